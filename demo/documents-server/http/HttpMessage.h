@@ -1,0 +1,45 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include <QByteArray>
+
+namespace documents {
+
+/** A request as the service sees it: complete, with the few header fields that matter here (empty when absent). */
+struct HttpRequest
+{
+    QByteArray method; ///< in capitals
+    QByteArray target; ///< as sent: still encoded, with its query
+    QByteArray body;
+    QByteArray cookie;
+    QByteArray userAgent;
+    QByteArray ifNoneMatch;
+    QByteArray ifModifiedSince;
+
+    /** GET and HEAD: the same reply, the connection leaves out the body for HEAD. */
+    bool reads() const { return method == "GET" || method == "HEAD"; }
+};
+
+/** A reply without the fields that the connection adds: length, date, connection. */
+struct HttpReply
+{
+    int status = 200;
+    QByteArray contentType;
+    QByteArray body;
+    std::vector<std::pair<QByteArray, QByteArray>> headers;
+};
+
+/** A reply and how it is to be spoilt on its way; without any fault it is simply sent. */
+struct Answer
+{
+    HttpReply reply;
+    std::chrono::milliseconds delay{0};
+    std::optional<qint64> cutAfter; ///< bytes of the body after which the connection is closed
+    bool reset = false;             ///< no reply at all: the connection is reset
+};
+
+} // namespace documents

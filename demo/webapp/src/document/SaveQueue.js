@@ -1,0 +1,148 @@
+/**
+ * Sends a document's content to the server: after a pause in typing, one save at a time, again after a failure, and
+ * never over a newer version unless told so. It keeps no copy of the content: it takes it when a save starts, so
+ * nothing that was typed can be lost between two saves.
+ *
+ * @typedef {{ok: true, version: number}
+ *   | {ok: false, reason: 'conflict', version: number}
+ *   | {ok: false, reason: 'refused' | 'unreachable', message: string}} SaveOutcome
+ *   only 'unreachable' is tried again without being asked
+ * @typedef {{kind: 'saved' | 'changed' | 'saving' | 'conflict'} | {kind: 'failed', message: string}} SaveState
+ */
+
+const firstRetryMs = 2000;
+const longestRetryMs = 30000;
+
+export class SaveQueue {
+  #send;
+  #takeContent;
+  #onState;
+  #timers;
+  #idleMs;
+  #baseVersion;
+  #conflictVersion = 0;
+  #state = { kind: 'saved' };
+  #dirty = false;
+  #timer = null;
+  #retryMs = firstRetryMs;
+  #running = null;
+  #closed = false;
+
+  /**
+   * @param {object} options
+   * @param {(baseVersion: number, content: object) => Promise<SaveOutcome>} options.send must not reject
+   * @param {() => object} options.takeContent the content as it is now
+   * @param {number} options.version the version that the content was loaded at
+   * @param {(state: SaveState) => void} options.onState
+   */
+  constructor({ send, takeContent, version, onState, idleMs = 1000, timers = globalThis }) {
+    this.#send = send;
+    this.#takeContent = takeContent;
+    this.#baseVersion = version;
+    this.#onState = onState;
+    this.#idleMs = idleMs;
+    this.#timers = timers;
+  }
+
+  get state() {
+    return this.#state;
+  }
+
+  get hasUnsavedChanges() {
+    return this.#dirty || this.#running !== null;
+  }
+
+  /** The document changed. */
+  changed() {
+    if (this.#closed) return;
+    this.#dirty = true;
+    if (this.#running || this.#state.kind === 'conflict') return;
+    this.#enter({ kind: 'changed' });
+    this.#schedule(this.#idleMs);
+  }
+
+  /** Saves what is unsaved now. Resolves when nothing is being sent any more, saved or not. */
+  async flush() {
+    while (this.#dirty && this.#state.kind !== 'conflict') {
+      await (this.#running || this.#start());
+      if (this.#state.kind === 'failed') return;
+    }
+    await this.#running;
+  }
+
+  /** After a conflict: saves over the version that the server holds. */
+  overwrite() {
+    if (this.#state.kind !== 'conflict') return Promise.resolve();
+    this.#baseVersion = this.#conflictVersion;
+    this.#enter({ kind: 'changed' });
+    return this.flush();
+  }
+
+  /** Ends the queue: nothing is scheduled any more, what is unsaved is the caller's to flush before. */
+  close() {
+    this.#closed = true;
+    this.#unschedule();
+  }
+
+  #enter(state) {
+    this.#state = state;
+    if (!this.#closed) this.#onState(state);
+  }
+
+  #schedule(delayMs) {
+    this.#unschedule();
+    if (this.#closed) return;
+    this.#timer = this.#timers.setTimeout(() => this.flush(), delayMs);
+  }
+
+  #unschedule() {
+    if (this.#timer !== null) this.#timers.clearTimeout(this.#timer);
+    this.#timer = null;
+  }
+
+  #start() {
+    this.#unschedule();
+    this.#dirty = false;
+    this.#enter({ kind: 'saving' });
+    this.#running = this.#send(this.#baseVersion, this.#takeContent()).then((outcome) => {
+      this.#running = null;
+      this.#finish(outcome);
+    });
+    return this.#running;
+  }
+
+  #finish(outcome) {
+    if (outcome.ok) {
+      this.#baseVersion = outcome.version;
+      this.#retryMs = firstRetryMs;
+      this.#enter(this.#dirty ? { kind: 'changed' } : { kind: 'saved' });
+      if (this.#dirty) this.#schedule(this.#idleMs);
+      return;
+    }
+    this.#dirty = true;
+    if (outcome.reason === 'conflict') {
+      this.#conflictVersion = outcome.version;
+      this.#enter({ kind: 'conflict' });
+      return;
+    }
+    this.#enter({ kind: 'failed', message: outcome.message });
+    if (outcome.reason !== 'unreachable') return;
+    this.#schedule(this.#retryMs);
+    this.#retryMs = Math.min(this.#retryMs * 2, longestRetryMs);
+  }
+}
+
+/** What a save reply means to the queue. @returns {SaveOutcome} */
+export function saveOutcome(reply) {
+  if (reply.ok) {
+    const version = Number(reply.value && reply.value.file_version);
+    if (reply.value && reply.value.result === 'ok' && Number.isInteger(version)) return { ok: true, version };
+    return { ok: false, reason: 'refused', message: 'the server did not confirm the save' };
+  }
+  if (reply.status === 409) {
+    const version = Number(reply.value && reply.value.file_version);
+    if (Number.isInteger(version)) return { ok: false, reason: 'conflict', version };
+  }
+  const mayPass = reply.status === 0 || reply.status >= 500 || reply.status === 429;
+  return { ok: false, reason: mayPass ? 'unreachable' : 'refused', message: reply.message };
+}

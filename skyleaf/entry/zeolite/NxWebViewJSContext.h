@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QString>
+#include <QVariantList>
+#include <QVariantMap>
+
+#include <json/value.h>
+
+/**
+ * One call of the page's script: its method, its arguments and the reply under construction. A value: a method that
+ * answers later keeps a copy and publishes that.
+ */
+class NxWebViewJSContext
+{
+public:
+    NxWebViewJSContext() = default;
+
+    /** Fills the context: the method called, the call (or named script function) that gets the reply, the arguments. */
+    void parse(const QString& method, const QString& callback, const QVariantMap& arguments);
+
+    QString method() const { return m_method; }
+    QString callback() const { return m_callback; }
+    const QVariantMap& arguments() const { return m_arguments; }
+
+    QVariant getValue(const QString& key, const QVariant& defaultValue = {}) const;
+    QVariantList getArray(const QString& key) const;
+    QVariantMap getMap(const QString& key) const;
+
+    /** The reply object (a JSON object); methods write their members into it. */
+    Json::Value& reply() { return m_reply; }
+    const Json::Value& reply() const { return m_reply; }
+
+    /** Asks for a reply although no member is written: {"callstatus": "ok"}. */
+    void setDefaultPublishResult(bool publish) { m_defaultPublish = publish; }
+    bool defaultPublishResult() const { return m_defaultPublish; }
+
+    /**
+     * Whether the reply goes to the page when the method returns: it has a member or the default was asked for, and
+     * it does not hold "ignoreThisJsCallback" = "true".
+     */
+    bool isPublishable() const;
+
+private:
+    QString m_method;
+    QString m_callback;
+    QVariantMap m_arguments;
+    Json::Value m_reply{Json::objectValue};
+    bool m_defaultPublish = false;
+};
