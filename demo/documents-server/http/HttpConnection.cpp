@@ -1,12 +1,12 @@
 #include "http/HttpConnection.h"
 
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include <boost/asio/ssl.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -30,6 +30,7 @@ using boost::system::error_code;
 
 constexpr std::uint64_t bodyLimit = 64ULL * 1024 * 1024;
 constexpr std::uint32_t headLimit = 32 * 1024;
+constexpr std::size_t drainSize = 65536;
 constexpr std::chrono::seconds silenceLimit(60);
 constexpr std::chrono::seconds farewellLimit(2);
 
@@ -220,61 +221,71 @@ private:
         prepare(request, m_services.answer(request), message.version());
     }
 
-    void prepare(const HttpRequest& request, Answer answer, unsigned version)
+    void prepare(const HttpRequest& request, Answer&& answer, unsigned version)
     {
         m_answer = std::move(answer);
-        m_entry = {m_services.clock(), request.method,    request.target, m_answer.reply.status, 0,
+        m_entry = {m_services.clock(), request.method, request.target, m_answer.reply.status, 0,
                    request.userAgent,  request.cookie};
+        m_head = headText(m_answer.reply, version, m_keepAlive);
+        qint64 bodyBytes =
+            request.method == "HEAD" || !hasBody(m_answer.reply.status) ? 0 : m_answer.reply.body.size();
         if (m_answer.cutAfter)
-            m_keepAlive = false;
-        m_head = headText(m_answer.reply, version, m_keepAlive && !m_answer.cutAfter);
-        m_bodyToSend = request.method == "HEAD" || !hasBody(m_answer.reply.status) ? 0 : m_answer.reply.body.size();
-        if (m_answer.cutAfter)
-            m_bodyToSend = std::min(m_bodyToSend, *m_answer.cutAfter);
-        m_pieceSent.reset();
-        wait(m_services.shaper.requestDelay() + m_answer.delay,
-             m_answer.reset ? &HttpConnection::reset : &HttpConnection::sendNext);
-    }
-
-    std::size_t remaining() const
-    {
-        return m_head.size() + static_cast<std::size_t>(m_bodyToSend - m_entry.bytes);
+            bodyBytes = std::min(bodyBytes, *m_answer.cutAfter);
+        m_total = m_head.size() + static_cast<std::size_t>(bodyBytes);
+        m_sent = 0;
+        m_pieceGone.reset();
+        const auto lineDelay =
+            m_answer.shaped ? m_services.shaper.requestDelay() : std::chrono::milliseconds(0);
+        wait(lineDelay + m_answer.delay, m_answer.reset ? &HttpConnection::reset : &HttpConnection::sendNext);
     }
 
     void sendNext()
     {
-        if (remaining() == 0)
+        if (m_sent == m_total)
             return finish();
-        m_piece = m_services.shaper.pieceSize(remaining());
+        if (!m_answer.shaped) {
+            m_piece = m_total - m_sent;
+            return writePiece();
+        }
+        m_piece = m_services.shaper.pieceSize(m_total - m_sent);
         const auto now = std::chrono::steady_clock::now();
-        m_pieceSent = m_services.shaper.reserve(m_piece, now, m_pieceSent);
-        wait(*m_pieceSent - now, &HttpConnection::writePiece);
+        m_pieceGone = m_services.shaper.reserve(m_piece, now, m_pieceGone);
+        wait(*m_pieceGone - now, &HttpConnection::writePiece);
     }
 
     void writePiece()
     {
-        const auto sent = static_cast<std::size_t>(m_entry.bytes);
-        const std::size_t fromHead = sent < m_head.size() ? std::min(m_piece, m_head.size() - sent) : 0;
-        const std::size_t bodyOffset = sent + fromHead - m_head.size();
-        const std::array<asio::const_buffer, 2> buffers = {
-            asio::buffer(m_head.data() + std::min(sent, m_head.size()), fromHead),
-            asio::buffer(m_answer.reply.body.constData() + (m_piece > fromHead ? bodyOffset : 0), m_piece - fromHead)};
+        const std::size_t headSent = std::min(m_sent, m_head.size());
+        const std::size_t fromHead = std::min(m_piece, m_head.size() - headSent);
+        const std::size_t bodySent = m_sent - headSent;
+        // Only parts with bytes: a TLS stream given an empty first buffer writes nothing, again and again.
+        std::vector<asio::const_buffer> buffers;
+        if (fromHead > 0)
+            buffers.emplace_back(m_head.data() + headSent, fromHead);
+        if (m_piece > fromHead)
+            buffers.emplace_back(m_answer.reply.body.constData() + bodySent, m_piece - fromHead);
         transport().expires_after(silenceLimit);
         asio::async_write(m_stream, buffers, bound(&HttpConnection::onPieceWritten));
     }
 
     void onPieceWritten(error_code error, std::size_t bytes)
     {
-        m_entry.bytes += static_cast<qint64>(bytes);
+        m_sent += bytes;
         if (!error)
             return sendNext();
-        m_services.log.record(m_entry);
+        record();
         close();
+    }
+
+    void record()
+    {
+        m_entry.bytes = static_cast<qint64>(m_sent);
+        m_services.log.record(m_entry);
     }
 
     void finish()
     {
-        m_services.log.record(m_entry);
+        record();
         if (m_answer.cutAfter)
             return close();
         m_answer = {};
@@ -286,7 +297,7 @@ private:
     void reset()
     {
         m_entry.status = 0;
-        m_services.log.record(m_entry);
+        record();
         error_code ignored;
         socket().set_option(asio::socket_base::linger(true, 0), ignored);
         close();
@@ -310,7 +321,7 @@ private:
         socket().shutdown(asio::ip::tcp::socket::shutdown_send, error);
         if (error)
             return close();
-        m_rest.resize(64 * 1024);
+        m_rest.resize(drainSize);
         drain();
     }
 
@@ -337,12 +348,13 @@ private:
     std::optional<http::request_parser<http::string_body>> m_parser;
     bool m_keepAlive = false;
 
-    // The reply on its way. m_entry.bytes counts what has left, head first.
+    // The reply on its way, head first: how many bytes there are, how many have left, how many go next.
     Answer m_answer;
     std::string m_head;
-    qint64 m_bodyToSend = 0;
+    std::size_t m_total = 0;
+    std::size_t m_sent = 0;
     std::size_t m_piece = 0;
-    std::optional<LinkShaper::TimePoint> m_pieceSent;
+    std::optional<LinkShaper::TimePoint> m_pieceGone;
     LoggedRequest m_entry;
 
     std::string m_rest;

@@ -15,7 +15,8 @@ class context;
 
 namespace documents {
 
-/** What all connections share. Everything outlives the io_context's run; all calls come from its one thread. */
+/** What all connections share. Everything outlives the io_context's run; all calls come from its one thread.
+ */
 struct ConnectionServices
 {
     std::function<Answer(const HttpRequest&)> answer;
@@ -25,10 +26,10 @@ struct ConnectionServices
 };
 
 /**
- * Serve one accepted connection until it ends: HTTP/1.1 with keep-alive, one request after the other, each read
- * whole (body up to 64 MiB, else 413; head up to 32 KiB, else 431; malformed 400), answered through
- * `services.answer`, delayed as the shaper and the answer say, sent and logged. A connection that is silent for a
- * minute is closed. The connection owns itself: it lives as long as an operation of it is pending.
+ * Serve one accepted connection until it ends: HTTP/1.1 with keep-alive, one request after the other, each
+ * read whole (body up to 64 MiB, else 413; head up to 32 KiB, else 431; malformed 400), answered through
+ * `services.answer`, delayed as the shaper and the answer say, sent and logged. A connection that is silent
+ * for a minute is closed. The connection owns itself: it lives as long as an operation of it is pending.
  */
 void serveHttp(boost::asio::ip::tcp::socket socket, const ConnectionServices& services);
 void serveHttps(boost::asio::ip::tcp::socket socket, boost::asio::ssl::context& tls,

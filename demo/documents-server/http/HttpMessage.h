@@ -9,7 +9,8 @@
 
 namespace documents {
 
-/** A request as the service sees it: complete, with the few header fields that matter here (empty when absent). */
+/** A request as the service sees it: complete, with the few header fields that matter here (empty when
+ * absent). */
 struct HttpRequest
 {
     QByteArray method; ///< in capitals
@@ -40,6 +41,7 @@ struct Answer
     std::chrono::milliseconds delay{0};
     std::optional<qint64> cutAfter; ///< bytes of the body after which the connection is closed
     bool reset = false;             ///< no reply at all: the connection is reset
+    bool shaped = true;             ///< false: the imitated line is bypassed
 };
 
 } // namespace documents

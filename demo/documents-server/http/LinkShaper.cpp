@@ -6,8 +6,8 @@ namespace documents {
 namespace {
 
 constexpr std::size_t smallestPiece = 256;
-constexpr std::size_t largestPiece = 64 * 1024;
-constexpr std::size_t unlimitedPiece = 1024 * 1024;
+constexpr std::size_t largestPiece = 65536;
+constexpr std::size_t unlimitedPiece = 1048576;
 constexpr std::chrono::milliseconds longestCatchUp(20);
 
 } // namespace
@@ -47,7 +47,8 @@ LinkShaper::TimePoint LinkShaper::reserve(std::size_t bytes, TimePoint now, std:
     if (m_settings.kbps == 0)
         return now;
     const TimePoint ready = previous ? std::clamp(*previous, now - longestCatchUp, now) : now;
-    const auto duration = std::chrono::nanoseconds(bytes * 8 * 1'000'000 / static_cast<std::size_t>(m_settings.kbps));
+    const auto duration =
+        std::chrono::nanoseconds(bytes * 8 * 1'000'000 / static_cast<std::size_t>(m_settings.kbps));
     m_busyUntil = std::max(m_busyUntil, ready) + duration;
     return m_busyUntil;
 }

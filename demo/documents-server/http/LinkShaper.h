@@ -41,8 +41,8 @@ public:
     std::size_t pieceSize(std::size_t remaining) const;
 
     /**
-     * Puts a piece on the line and returns when its last byte has left it. `previous` is the time granted for the
-     * reply's preceding piece: a timer that woke a little late does not make the line slower than it is.
+     * Puts a piece on the line and returns when its last byte has left it. `previous` is the time granted for
+     * the reply's preceding piece: a timer that woke a little late does not make the line slower than it is.
      */
     TimePoint reserve(std::size_t bytes, TimePoint now, std::optional<TimePoint> previous);
 

@@ -31,7 +31,8 @@ HttpReply jsonReply(int status, const QJsonObject& object)
 
 bool isApiTarget(const QByteArray& target)
 {
-    return target.startsWith("/api/") || target.startsWith("/office-config/") || target.startsWith("/_control");
+    return target.startsWith("/api/") || target.startsWith("/office-config/") ||
+           target.startsWith("/_control");
 }
 
 HttpReply errorReply(const QByteArray& target, int status, const QString& result, const QString& message)
@@ -46,8 +47,9 @@ HttpReply errorReply(const QByteArray& target, int status, const QString& result
 
 HttpReply methodNotAllowed(const QByteArray& target, const QByteArray& allowed)
 {
-    HttpReply reply = errorReply(target, 405, QStringLiteral("MethodNotAllowed"),
-                                 QStringLiteral("Only %1 is possible here.").arg(QString::fromLatin1(allowed)));
+    HttpReply reply =
+        errorReply(target, 405, QStringLiteral("MethodNotAllowed"),
+                   QStringLiteral("Only %1 is possible here.").arg(QString::fromLatin1(allowed)));
     reply.headers.emplace_back("Allow", allowed);
     return reply;
 }

@@ -15,8 +15,8 @@ HttpReply jsonReply(int status, const QJsonObject& object);
 bool isApiTarget(const QByteArray& target);
 
 /**
- * What went wrong, in the form that fits the target: {"result": `result`, "msg": `message`} or a page that says
- * `message` under the status.
+ * What went wrong, in the form that fits the target: {"result": `result`, "msg": `message`} or a page that
+ * says `message` under the status.
  */
 HttpReply errorReply(const QByteArray& target, int status, const QString& result, const QString& message);
 

@@ -25,8 +25,8 @@ struct LoggedRequest
 QJsonObject toJson(const LoggedRequest& request);
 
 /**
- * Keeps the last thousand requests in memory and, when asked to, appends every request to a file, one JSON object
- * a line. Requests of the control resource go to the file only. For one thread.
+ * Keeps the last thousand requests in memory and, when asked to, appends every request to a file, one JSON
+ * object a line. Requests of the control resource go to the file only. For one thread.
  */
 class RequestLog
 {

@@ -54,11 +54,12 @@ std::optional<RequestTarget> parseRequestTarget(const QByteArray& target)
     if (queryMark >= 0)
         parsed.query = QUrlQuery(QString::fromUtf8(text.mid(queryMark + 1)));
 
-    auto parts = text.left(queryMark).mid(1).split('/');
+    auto parts = (queryMark < 0 ? text : text.left(queryMark)).mid(1).split('/');
     if (parts.last().isEmpty())
         parts.removeLast();
     for (const QByteArray& part : qAsConst(parts)) {
-        const QString segment = QString::fromUtf8(QByteArray::fromPercentEncoding(part));
+        const QByteArray decoded = QByteArray::fromPercentEncoding(part);
+        const QString segment = QString::fromUtf8(decoded.constData(), decoded.size()); // a NUL included
         if (!isReadable(segment))
             return std::nullopt;
         parsed.segments.append(segment);

@@ -19,8 +19,8 @@ struct RequestTarget
 };
 
 /**
- * Reads a target in origin form ("/path?query") or absolute form ("http://host/path?query"). Nothing when it is
- * neither, when an escape is broken, or when the decoded path is not UTF-8 or holds a control character.
+ * Reads a target in origin form ("/path?query") or absolute form ("http://host/path?query"). Nothing when it
+ * is neither, when an escape is broken, or when the decoded path is not UTF-8 or holds a control character.
  */
 std::optional<RequestTarget> parseRequestTarget(const QByteArray& target);
 

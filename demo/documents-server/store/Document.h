@@ -11,10 +11,10 @@ namespace documents {
 
 struct Document
 {
-    QString id;         ///< decimal digits
-    QString name;       ///< with its suffix
-    QString officeType; ///< code
-    qint64 version = 1; ///< grows by one with every save
+    QString id;          ///< decimal digits
+    QString name;        ///< with its suffix
+    QString officeType;  ///< code
+    qint64 version = 1;  ///< grows by one with every save
     qint64 modified = 0; ///< milliseconds since the epoch
     QJsonObject content;
 
@@ -30,7 +30,8 @@ QString suffixOf(const QString& name);
 /** A JSON number without fraction that a double holds exactly; nothing for any other value. */
 std::optional<qint64> wholeNumber(const QJsonValue& value);
 
-/** The file format: one JSON object with the members "id", "name", "officeType", "version", "modified", "content". */
+/** The file format: one JSON object with the members "id", "name", "officeType", "version", "modified",
+ * "content". */
 QByteArray toFileText(const Document& document);
 Result<Document> documentFromFileText(const QByteArray& text);
 

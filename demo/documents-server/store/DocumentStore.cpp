@@ -29,8 +29,9 @@ Failure checkName(const QString& name)
     if (name.size() > longestName)
         return Error{ErrorCode::Invalid,
                      QStringLiteral("The name is longer than %1 characters.").arg(longestName)};
-    const bool plain = std::all_of(name.begin(), name.end(),
-                                   [](QChar c) { return c != u'/' && c != u'\\' && c.category() != QChar::Other_Control; });
+    const bool plain = std::all_of(name.begin(), name.end(), [](QChar c) {
+        return c != u'/' && c != u'\\' && c.category() != QChar::Other_Control;
+    });
     if (!plain)
         return Error{ErrorCode::Invalid, QStringLiteral("The name holds a slash or a control character.")};
     return std::nullopt;
@@ -47,7 +48,8 @@ DocumentStore::DocumentStore(QString directory, Clock clock)
 Failure DocumentStore::open()
 {
     if (!QDir().mkpath(m_directory))
-        return Error{ErrorCode::Storage, QStringLiteral("\"%1\" cannot be made as a directory.").arg(m_directory)};
+        return Error{ErrorCode::Storage,
+                     QStringLiteral("\"%1\" cannot be made as a directory.").arg(m_directory)};
     return ids().isEmpty() ? seed() : std::nullopt;
 }
 
@@ -102,7 +104,8 @@ Result<Document> DocumentStore::load(const QString& id) const
                      QStringLiteral("Document %1 cannot be read: %2.").arg(id, file.errorString())};
     auto document = documentFromFileText(file.readAll());
     if (document && document->id != id)
-        return Error{ErrorCode::Damaged, QStringLiteral("The file of document %1 holds another one.").arg(id)};
+        return Error{ErrorCode::Damaged,
+                     QStringLiteral("The file of document %1 holds another one.").arg(id)};
     return document;
 }
 
@@ -110,7 +113,8 @@ Result<Document> DocumentStore::create(const QString& officeType, const QString&
 {
     const OfficeType* type = officeTypeByCode(officeType);
     if (!type)
-        return Error{ErrorCode::Invalid, QStringLiteral("\"%1\" is not a known office type.").arg(officeType)};
+        return Error{ErrorCode::Invalid,
+                     QStringLiteral("\"%1\" is not a known office type.").arg(officeType)};
 
     Document document;
     document.name = name.trimmed();
@@ -122,7 +126,8 @@ Result<Document> DocumentStore::create(const QString& officeType, const QString&
         return *failure;
 
     const auto known = ids();
-    document.id = QString::number(known.isEmpty() ? firstId : std::max(firstId, known.last().toLongLong() + 1));
+    document.id =
+        QString::number(known.isEmpty() ? firstId : std::max(firstId, known.last().toLongLong() + 1));
     document.officeType = officeType;
     document.modified = m_clock();
     document.content = emptyContent(*type);

@@ -27,8 +27,8 @@ struct DocumentSummary
 
 /**
  * Documents as files of one directory, one "<id>.json" each. Every read comes from the disk and every write
- * goes through a temporary file that is synchronised and renamed, so a killed process leaves either the old or
- * the new document. For one thread, and for one process a directory.
+ * goes through a temporary file that is synchronised and renamed, so a killed process leaves either the old
+ * or the new document. For one thread, and for one process a directory.
  */
 class DocumentStore
 {
@@ -38,12 +38,14 @@ public:
     /** Makes the directory when missing and fills it with the demo documents when it holds no document. */
     Failure open();
 
-    /** All readable documents by ascending id; damaged files are left out with a warning on standard error. */
+    /** All readable documents by ascending id; damaged files are left out with a warning on standard error.
+     */
     QVector<DocumentSummary> list() const;
     bool contains(const QString& id) const;
     Result<Document> load(const QString& id) const;
 
-    /** An empty document under the next free id. An empty name gives "Untitled", a missing suffix is added. */
+    /** An empty document under the next free id. An empty name gives "Untitled", a missing suffix is added.
+     */
     Result<Document> create(const QString& officeType, const QString& name);
 
     /** Replaces the content when `baseVersion` is the stored version, else VersionConflict. */

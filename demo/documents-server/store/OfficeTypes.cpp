@@ -29,7 +29,8 @@ const OfficeType* find(Match match)
 QJsonObject emptyText()
 {
     const QJsonObject paragraph{{QStringLiteral("type"), QStringLiteral("paragraph")}};
-    return {{QStringLiteral("type"), QStringLiteral("doc")}, {QStringLiteral("content"), QJsonArray{paragraph}}};
+    return {{QStringLiteral("type"), QStringLiteral("doc")},
+            {QStringLiteral("content"), QJsonArray{paragraph}}};
 }
 
 QJsonObject emptyTable()
@@ -70,7 +71,8 @@ QJsonObject emptyContent(const OfficeType& type)
 {
     if (type.code == QLatin1String("s") || type.code == QLatin1String("k") || type.code == QLatin1String("d"))
         return emptyTable();
-    if (type.code == QLatin1String("w") || type.code == QLatin1String("o") || type.code == QLatin1String("mo"))
+    if (type.code == QLatin1String("w") || type.code == QLatin1String("o") ||
+        type.code == QLatin1String("mo"))
         return emptyText();
     return {};
 }

@@ -3,7 +3,7 @@
  * the much larger editor script is read.
  *
  * An editor is `mount(host, content, {onChange, fileName})`, which throws when it cannot read the content and else
- * returns {content(): object, focus(), destroy()}.
+ * returns {content(): object, commit(), focus(), destroy()}; commit takes over input that is still being made.
  */
 export class EditorRegistry {
   #mounts = new Map();
@@ -17,6 +17,10 @@ export class EditorRegistry {
     this.#waiting.delete(typeCode);
   }
 
+  has(typeCode) {
+    return this.#mounts.has(typeCode);
+  }
+
   /** @returns {Promise<Function>} the editor's mount function; rejects when its script is missing */
   editor(typeCode) {
     if (this.#mounts.has(typeCode)) return Promise.resolve(this.#mounts.get(typeCode));
@@ -28,7 +32,7 @@ export class EditorRegistry {
 
   /** No further script will come: whoever still waits is told. */
   allScriptsRead() {
-    this.#missing = new Error('the editor script is missing or could not be run');
+    this.#missing = new Error('The editor script is missing or could not be run');
     this.#waiting.forEach((waiting) => waiting.forEach(({ reject }) => reject(this.#missing)));
     this.#waiting.clear();
   }

@@ -1,3 +1,5 @@
+import { fileVersion } from './fileVersion.js';
+
 /**
  * Sends a document's content to the server: after a pause in typing, one save at a time, again after a failure, and
  * never over a newer version unless told so. It keeps no copy of the content: it takes it when a save starts, so
@@ -134,15 +136,12 @@ export class SaveQueue {
 
 /** What a save reply means to the queue. @returns {SaveOutcome} */
 export function saveOutcome(reply) {
+  const version = fileVersion(reply.value && reply.value.file_version);
   if (reply.ok) {
-    const version = Number(reply.value && reply.value.file_version);
-    if (reply.value && reply.value.result === 'ok' && Number.isInteger(version)) return { ok: true, version };
+    if (reply.value && reply.value.result === 'ok' && version !== null) return { ok: true, version };
     return { ok: false, reason: 'refused', message: 'the server did not confirm the save' };
   }
-  if (reply.status === 409) {
-    const version = Number(reply.value && reply.value.file_version);
-    if (Number.isInteger(version)) return { ok: false, reason: 'conflict', version };
-  }
+  if (reply.status === 409 && version !== null) return { ok: false, reason: 'conflict', version };
   const mayPass = reply.status === 0 || reply.status >= 500 || reply.status === 429;
   return { ok: false, reason: mayPass ? 'unreachable' : 'refused', message: reply.message };
 }

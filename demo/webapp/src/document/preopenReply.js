@@ -1,3 +1,5 @@
+import { fileVersion } from './fileVersion.js';
+
 /**
  * @typedef {{ok: true, fileId: string, fileName: string, officeType: string, version: number, content: object}} Opened
  */
@@ -22,10 +24,8 @@ export function readPreopenReply(reply, expectedType) {
   if (environment.office_type !== undefined && environment.office_type !== expectedType) {
     return refusal(`the document is of type "${environment.office_type}", this page edits type "${expectedType}"`);
   }
-  const version = Number(environment.file_version);
-  if (environment.file_version === '' || !Number.isInteger(version) || version < 0) {
-    return refusal('the reply names no file version');
-  }
+  const version = fileVersion(environment.file_version);
+  if (version === null) return refusal('the reply names no file version');
   if (!isObject(reply.content)) return refusal('the reply holds no document content');
   return {
     ok: true,

@@ -1,0 +1,79 @@
+#include "service/ControlApi.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "http/Replies.h"
+#include "service/DocumentsApi.h"
+
+namespace documents {
+namespace {
+
+const QLatin1String shapingResource("shaping");
+const QLatin1String versionsResource("versions");
+const QLatin1String faultResource("fault");
+const QLatin1String logResource("log");
+
+} // namespace
+
+Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObject& object)
+{
+    LinkSettings settings = base;
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const bool isRtt = member.key() == QLatin1String("rttMs");
+        const auto number = wholeNumber(member.value());
+        const int largest = isRtt ? LinkSettings::maxRttMs : LinkSettings::maxKbps;
+        if (!isRtt && member.key() != QLatin1String("kbps"))
+            return Error{ErrorCode::Invalid, QStringLiteral("\"%1\" is not known.").arg(member.key())};
+        if (!number || *number < 0 || *number > largest)
+            return Error{ErrorCode::Invalid, QStringLiteral("\"%1\" must be a whole number from 0 to %2.")
+                                                 .arg(member.key(), QString::number(largest))};
+        (isRtt ? settings.rttMs : settings.kbps) = static_cast<int>(*number);
+    }
+    return settings;
+}
+
+ControlApi::ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log)
+    : m_shaper(shaper)
+    , m_versions(versions)
+    , m_faults(faults)
+    , m_log(log)
+{
+}
+
+HttpReply ControlApi::answer(const QString& resource, const HttpRequest& request)
+{
+    const QJsonObject done{{QStringLiteral("result"), QStringLiteral("ok")}};
+    if (resource == logResource) {
+        if (!request.reads())
+            return methodNotAllowed(request.target, QByteArrayLiteral("GET, HEAD"));
+        QJsonObject reply = done;
+        reply.insert(QStringLiteral("requests"), m_log.recent());
+        return jsonReply(200, reply);
+    }
+    if (resource != shapingResource && resource != versionsResource && resource != faultResource)
+        return notFound(request.target, QStringLiteral("There is no control resource \"%1\".").arg(resource));
+    if (request.method != "PUT")
+        return methodNotAllowed(request.target, QByteArrayLiteral("PUT"));
+    if (Failure failure = put(resource, request.body))
+        return failureReply(*failure);
+    return jsonReply(200, done);
+}
+
+Failure ControlApi::put(const QString& resource, const QByteArray& body)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(body);
+    if (!document.isObject())
+        return Error{ErrorCode::Invalid, QStringLiteral("The body is not a JSON object.")};
+    if (resource == versionsResource)
+        return m_versions.setOverrides(document.object());
+    if (resource == faultResource)
+        return m_faults.setRules(document.object());
+    const auto settings = parseLinkSettings(m_shaper.settings(), document.object());
+    if (!settings)
+        return settings.error();
+    m_shaper.setSettings(*settings);
+    return std::nullopt;
+}
+
+} // namespace documents

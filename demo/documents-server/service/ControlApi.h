@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+
+#include "http/HttpMessage.h"
+#include "http/LinkShaper.h"
+#include "http/RequestLog.h"
+#include "service/FaultRules.h"
+#include "service/FrontVersions.h"
+#include "store/Result.h"
+
+namespace documents {
+
+/** `base` with the members "rttMs" and "kbps" of the object put in; any other member or value is an error. */
+Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObject& object);
+
+/**
+ * What tests and measurements turn while the server runs: PUT "shaping", "versions" and "fault", each
+ * replacing the state of its name, and GET "log". Bad values give 400 and change nothing. For one thread.
+ */
+class ControlApi
+{
+public:
+    /** All are kept by reference and outlive the API. */
+    ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log);
+
+    HttpReply answer(const QString& resource, const HttpRequest& request);
+
+private:
+    Failure put(const QString& resource, const QByteArray& body);
+
+    LinkShaper& m_shaper;
+    FrontVersions& m_versions;
+    FaultRules& m_faults;
+    const RequestLog& m_log;
+};
+
+} // namespace documents

@@ -1,0 +1,126 @@
+#include "service/DocumentsService.h"
+
+#include <utility>
+
+#include "http/Replies.h"
+#include "store/OfficeTypes.h"
+
+namespace documents {
+
+DocumentsService::DocumentsService(DocumentStore& store, const QString& siteDirectory, Clock clock,
+                                   LinkShaper& shaper, const RequestLog& log)
+    : m_store(store)
+    , m_site(siteDirectory)
+    , m_versions(siteDirectory, std::move(clock))
+    , m_api(store, m_versions)
+    , m_control(shaper, m_versions, m_faults, log)
+{
+}
+
+Answer DocumentsService::answer(const HttpRequest& request)
+{
+    Answer answer;
+    if (const auto fault = m_faults.match(request.target))
+        answer = spoilt(*fault, request);
+    else
+        answer.reply = reply(request);
+    answer.shaped = !request.target.startsWith("/_control");
+    return answer;
+}
+
+Answer DocumentsService::spoilt(const Fault& fault, const HttpRequest& request)
+{
+    Answer answer;
+    if (fault.status)
+        answer.reply = errorReply(request.target, *fault.status, QStringLiteral("Fault"),
+                                  QStringLiteral("The service was told to fail here."));
+    else if (!fault.reset)
+        answer.reply = reply(request);
+    if (fault.body)
+        answer.reply.body = *fault.body;
+    answer.delay = fault.delay;
+    answer.cutAfter = fault.cutAfter;
+    answer.reset = fault.reset;
+    return answer;
+}
+
+HttpReply DocumentsService::reply(const HttpRequest& request)
+{
+    const auto target = parseRequestTarget(request.target);
+    if (!target)
+        return errorReply(request.target, 400, QStringLiteral("BadRequest"),
+                          QStringLiteral("The address is malformed."));
+    const Route route = routeOf(target->segments);
+    if (route.kind == RouteKind::Unknown)
+        return notFound(request.target, QStringLiteral("There is no such resource."));
+    if (route.kind == RouteKind::Control)
+        return m_control.answer(route.name, request);
+
+    if (route.kind == RouteKind::Files && request.method == "POST")
+        return m_api.create(request.body);
+    if (route.kind == RouteKind::Preopen && request.method == "POST")
+        return m_api.preopen(route.id, route.name, request);
+    if (route.kind == RouteKind::PackageInfo && request.method == "POST")
+        return m_api.packageInfo(request.body);
+    if (route.kind == RouteKind::Content && request.method == "PUT")
+        return m_api.save(route.id, request.body);
+
+    const QByteArray allowed = allowedMethods(route.kind);
+    return request.reads() && allowed.startsWith("GET") ? read(route, *target, request)
+                                                        : methodNotAllowed(request.target, allowed);
+}
+
+HttpReply DocumentsService::read(const Route& route, const RequestTarget& target,
+                                 const HttpRequest& request) const
+{
+    switch (route.kind) {
+    case RouteKind::Files:
+        return m_api.list();
+    case RouteKind::OfficeConfig:
+        return m_api.officeConfig(
+            route.id, target.queryValue(QStringLiteral("part")).split(u',', Qt::SkipEmptyParts), request);
+    case RouteKind::VersionCheck:
+        return m_api.versionCheck(route.id);
+    case RouteKind::Home:
+        return siteFile({QStringLiteral("home.html")}, request);
+    case RouteKind::DocumentPage:
+        return documentPage(route.id, target, request);
+    case RouteKind::NewPage:
+        return officeTypeByCode(route.name)
+                   ? page(route.name, request)
+                   : notFound(request.target,
+                              QStringLiteral("There is no kind of document \"%1\".").arg(route.name));
+    default:
+        return siteFile(route.filePath, request);
+    }
+}
+
+HttpReply DocumentsService::documentPage(const QString& id, const RequestTarget& target,
+                                         const HttpRequest& request) const
+{
+    if (!m_store.contains(id))
+        return notFound(request.target, QStringLiteral("There is no document \"%1\".").arg(id));
+    const QString asked = target.queryValue(QStringLiteral("officeType"));
+    if (officeTypeByCode(asked))
+        return page(asked, request);
+    const auto document = m_store.load(id);
+    if (!document)
+        return errorReply(request.target, 500, QStringLiteral("DocumentDamaged"), document.error().text);
+    return page(document->officeType, request);
+}
+
+HttpReply DocumentsService::page(const QString& officeType, const HttpRequest& request) const
+{
+    return siteFile({QStringLiteral("dist_langs"), QStringLiteral("zh-CN"),
+                     QStringLiteral("index-%1.html").arg(officeType)},
+                    request);
+}
+
+HttpReply DocumentsService::siteFile(const QStringList& path, const HttpRequest& request) const
+{
+    if (const auto file = m_site.file(path, request))
+        return *file;
+    return notFound(request.target, QStringLiteral("The site has no file \"%1\".").arg(path.join(u'/')));
+}
+
+} // namespace documents

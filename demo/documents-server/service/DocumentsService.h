@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+
+#include "http/HttpMessage.h"
+#include "http/LinkShaper.h"
+#include "http/RequestLog.h"
+#include "http/RequestTarget.h"
+#include "service/ControlApi.h"
+#include "service/DocumentsApi.h"
+#include "service/FaultRules.h"
+#include "service/FrontVersions.h"
+#include "service/Routes.h"
+#include "service/StaticSite.h"
+#include "store/DocumentStore.h"
+
+namespace documents {
+
+/** The whole service without its sockets: a request goes in, its answer comes out. For one thread. */
+class DocumentsService
+{
+public:
+    /** The store, already open, the shaper and the log are kept by reference and outlive the service. */
+    DocumentsService(DocumentStore& store, const QString& siteDirectory, Clock clock, LinkShaper& shaper,
+                     const RequestLog& log);
+
+    Answer answer(const HttpRequest& request);
+
+private:
+    Answer spoilt(const Fault& fault, const HttpRequest& request);
+    HttpReply reply(const HttpRequest& request);
+    HttpReply read(const Route& route, const RequestTarget& target, const HttpRequest& request) const;
+    HttpReply documentPage(const QString& id, const RequestTarget& target, const HttpRequest& request) const;
+    HttpReply page(const QString& officeType, const HttpRequest& request) const;
+    HttpReply siteFile(const QStringList& path, const HttpRequest& request) const;
+
+    DocumentStore& m_store;
+    StaticSite m_site;
+    FrontVersions m_versions;
+    FaultRules m_faults;
+    DocumentsApi m_api;
+    ControlApi m_control;
+};
+
+} // namespace documents

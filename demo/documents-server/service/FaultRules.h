@@ -1,0 +1,41 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <optional>
+
+#include <QByteArray>
+#include <QJsonObject>
+
+#include "store/Result.h"
+
+namespace documents {
+
+/** What is to go wrong with a request; the members combine. */
+struct Fault
+{
+    std::optional<int> status;      ///< answered with this status, the request has no effect
+    std::optional<QByteArray> body; ///< sent instead of the reply's body
+    std::chrono::milliseconds delay{0};
+    std::optional<qint64> cutAfter; ///< bytes of the body, then the connection is closed
+    bool reset = false;             ///< the connection is reset, the request has no effect
+};
+
+/** Faults by the beginning of the request target (path and query, as sent); the longest beginning wins. */
+class FaultRules
+{
+public:
+    /**
+     * Replaces all rules: {"/path-prefix": {"status": 500, "body": text, "delayMs": n, "cutAfter": bytes,
+     * "reset": true}, …}, every member optional; {} ends all faults. On a mistake nothing changes and the
+     * error names the member. The control resource itself cannot be given a fault.
+     */
+    Failure setRules(const QJsonObject& rules);
+
+    std::optional<Fault> match(const QByteArray& target) const;
+
+private:
+    std::map<QByteArray, Fault> m_rules;
+};
+
+} // namespace documents

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+namespace documents {
+
+enum class RouteKind {
+    Home,         ///< the list of documents, under "/" and every one-segment path without a dot
+    DocumentPage, ///< "/p/ID", "/l/ID"
+    NewPage,      ///< "/office/new/TYPE"
+    SiteFile,     ///< a file of the site
+    Files,        ///< "/api/v3/office/files"
+    Preopen,      ///< "/api/v3/office/file/ID/preopen/PACKAGE"
+    Content,      ///< "/api/v3/office/file/ID/content"
+    OfficeConfig, ///< "/office-config/ID"
+    VersionCheck, ///< "/api/v3/office/prefetch/vcs/ID"
+    PackageInfo,  ///< "/api/quill/office/prefetch/config"
+    Control,      ///< "/_control/RESOURCE"
+    Unknown       ///< below "/api", "/office-config" or "/_control", yet none of the above
+};
+
+struct Route
+{
+    RouteKind kind = RouteKind::Unknown;
+    QString id;           ///< of the document
+    QString name;         ///< office type code, package or control resource, as the kind has it
+    QStringList filePath; ///< below the site, for SiteFile
+};
+
+/** Where a decoded path leads, whatever the method. */
+Route routeOf(const QStringList& segments);
+
+/** The methods that a kind of route answers, as in an "Allow" field; control resources check their own. */
+QByteArray allowedMethods(RouteKind kind);
+
+} // namespace documents

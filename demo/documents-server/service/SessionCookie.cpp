@@ -1,0 +1,27 @@
+#include "service/SessionCookie.h"
+
+#include <algorithm>
+#include <array>
+
+#include <QList>
+#include <QRandomGenerator>
+#include <QString>
+
+namespace documents {
+
+bool hasSessionCookie(const QByteArray& cookieField)
+{
+    const auto cookies = cookieField.split(';');
+    return std::any_of(cookies.begin(), cookies.end(),
+                       [](const QByteArray& cookie) { return cookie.trimmed().startsWith("docs_session="); });
+}
+
+QByteArray newSessionCookie()
+{
+    std::array<quint32, 4> words = {};
+    QRandomGenerator::system()->fillRange(words.data(), words.size());
+    const auto* bytes = reinterpret_cast<const char*>(words.data());
+    return "docs_session=" + QByteArray(bytes, sizeof words).toHex() + "; Path=/; HttpOnly";
+}
+
+} // namespace documents

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include "http/HttpMessage.h"
+
+namespace documents {
+
+/** The MIME type that a file's suffix stands for; "application/octet-stream" when it stands for none. */
+QByteArray mimeTypeOf(const QString& fileName);
+
+/** The date form of HTTP header fields ("Sun, 06 Nov 1994 08:49:37 GMT"), there and back; nothing when
+ * malformed. */
+QByteArray toHttpDate(qint64 secondsSinceEpoch);
+std::optional<qint64> fromHttpDate(const QByteArray& text);
+
+/**
+ * The files below one directory. Pages (HTML) are to be revalidated before every use, other files may be kept
+ * for ten minutes; all carry an ETag and a date, and a request that knows them gets 304. Nothing outside the
+ * directory is ever served, by whatever path or symbolic link it is asked for.
+ */
+class StaticSite
+{
+public:
+    explicit StaticSite(QString directory);
+
+    /** The regular file below the directory that these segments lead to, as a path without links. */
+    std::optional<QString> resolve(const QStringList& segments) const;
+
+    /** The file as a reply (200 or 304); nothing when there is no such file or it cannot be read. */
+    std::optional<HttpReply> file(const QStringList& segments, const HttpRequest& request) const;
+
+private:
+    QString m_directory;
+};
+
+} // namespace documents

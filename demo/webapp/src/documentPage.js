@@ -1,0 +1,58 @@
+/**
+ * The first script of a document page: small, so that it can show what is there and ask for the document while the
+ * editor script is still being read.
+ */
+import './polyfills.js';
+import { DocumentScreen } from './document/DocumentScreen.js';
+import { DocumentsApi } from './document/DocumentsApi.js';
+import { EditorRegistry } from './document/EditorRegistry.js';
+import { NativeSide } from './document/NativeSide.js';
+import { PageFrame } from './ui/PageFrame.js';
+import { watchFailures } from './ui/watchFailures.js';
+
+const editors = new EditorRegistry();
+const native = new NativeSide(window);
+const frame = new PageFrame(document);
+
+window.skyleafDocs = {
+  registerEditor: (typeCode, mount) => editors.register(typeCode, mount),
+  notify: (notice) => frame.showNotice(notice),
+};
+
+const screen = new DocumentScreen({
+  window,
+  typeCode: document.documentElement.dataset.officeType,
+  api: new DocumentsApi((url, init) => window.fetch(url, init)),
+  frame,
+  editors,
+  native,
+});
+
+async function showNativeSide() {
+  const present = await native.whenPresent();
+  const version = present ? await native.apiVersion() : null;
+  const text = version ? `Desktop interface ${version}` : 'Desktop interface without version';
+  frame.setStatus('native-side', present ? text : 'Native side not present');
+}
+
+function saveByKey(event) {
+  if (!(event.ctrlKey || event.metaKey) || event.altKey || event.key.toLowerCase() !== 's') return;
+  event.preventDefault();
+  screen.save();
+}
+
+function warnBeforeLoss(event) {
+  if (!screen.leavingLosesChanges()) return;
+  event.preventDefault();
+  event.returnValue = '';
+}
+
+watchFailures(window, (text) => screen.reportFailure(text));
+window.addEventListener('DOMContentLoaded', () => editors.allScriptsRead());
+window.addEventListener('ON_APP_OPENFILE_READY', () => screen.open({ mayReload: true }));
+window.addEventListener('keydown', saveByKey, { capture: true });
+window.addEventListener('beforeunload', warnBeforeLoss);
+window.addEventListener('online', () => screen.save());
+
+screen.open();
+showNativeSide();

@@ -1,0 +1,3 @@
+import { mountTableEditor } from './table/TableEditor.js';
+
+window.skyleafDocs.registerEditor('s', mountTableEditor);

@@ -1,0 +1,3 @@
+import { mountTextEditor } from './text/TextEditor.js';
+
+window.skyleafDocs.registerEditor('w', mountTextEditor);

@@ -1,0 +1,40 @@
+import { dropCursor } from 'prosemirror-dropcursor';
+import { gapCursor } from 'prosemirror-gapcursor';
+import { history } from 'prosemirror-history';
+import { keymap } from 'prosemirror-keymap';
+import { EditorState } from 'prosemirror-state';
+import { EditorView } from 'prosemirror-view';
+import { codeBlockKeys, CodeBlockView } from './CodeBlockView.js';
+import { fileActions } from './fileMenu.js';
+import { textInputRules, textKeymaps } from './keys.js';
+import { textMenuBar } from './menu.js';
+import { documentFromContent } from './schema.js';
+
+/**
+ * Puts a text editor into `host`.
+ * @throws {Error} when the content is not a text document of this editor's schema
+ */
+export function mountTextEditor(host, content, { onChange, fileName }) {
+  const state = EditorState.create({
+    doc: documentFromContent(content),
+    plugins: [
+      textInputRules, keymap(codeBlockKeys), ...textKeymaps,
+      dropCursor(), gapCursor(), history(), textMenuBar(fileActions(fileName)),
+    ],
+  });
+  const view = new EditorView(host, {
+    state,
+    attributes: { class: 'text-page', 'aria-label': 'Document text', spellcheck: 'true' },
+    nodeViews: { code_block: (node, outer, position) => new CodeBlockView(node, outer, position) },
+    dispatchTransaction(transaction) {
+      view.updateState(view.state.apply(transaction));
+      if (transaction.docChanged) onChange();
+    },
+  });
+  return {
+    content: () => view.state.doc.toJSON(),
+    commit() {},
+    focus: () => view.focus(),
+    destroy: () => view.destroy(),
+  };
+}

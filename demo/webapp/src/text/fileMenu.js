@@ -1,0 +1,49 @@
+import { MenuItem } from 'prosemirror-menu';
+import { chooseFile, downloadBlob, tellFailure, withExtension } from '../ui/files.js';
+import { docxBlob } from './docxExport.js';
+import { readableFiles, readTextFile } from './fileImport.js';
+import { markdownFromDocument } from './markdown.js';
+
+function item(label, run) {
+  return new MenuItem({ label, title: label, run: (state, _dispatch, view) => run(view, state) });
+}
+
+function endOfSelectedBlock({ selection: { $to } }) {
+  return $to.depth > 0 ? $to.after(1) : $to.pos;
+}
+
+async function insertFile(view) {
+  const file = await chooseFile(readableFiles);
+  try {
+    const doc = await readTextFile(file);
+    view.dispatch(view.state.tr.insert(endOfSelectedBlock(view.state), doc.content).scrollIntoView());
+  } catch (error) {
+    tellFailure(`"${file.name}" could not be read: ${error.message}`);
+  }
+  view.focus();
+}
+
+async function downloadDocx(doc, fileName) {
+  try {
+    downloadBlob(await docxBlob(doc), withExtension(fileName, 'docx'));
+  } catch (error) {
+    tellFailure(`The file could not be made: ${error.message}`);
+  }
+}
+
+function downloadMarkdown(doc, fileName) {
+  const text = new Blob([markdownFromDocument(doc)], { type: 'text/markdown;charset=utf-8' });
+  downloadBlob(text, withExtension(fileName, 'md'));
+}
+
+/** The menu items that deal with files. */
+export function fileActions(fileName) {
+  return {
+    file: [
+      item('Download as .docx', (_view, state) => downloadDocx(state.doc, fileName)),
+      item('Download as Markdown', (_view, state) => downloadMarkdown(state.doc, fileName)),
+      item('Print…', () => window.print()),
+    ],
+    insert: [item('Text from a file (.docx, .md, .html)…', (view) => insertFile(view))],
+  };
+}
