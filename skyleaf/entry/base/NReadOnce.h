@@ -23,7 +23,10 @@ template <typename T>
 class NReadOnce
 {
 public:
-    explicit NReadOnce(std::function<T()> read) : m_read(std::move(read)) {}
+    explicit NReadOnce(std::function<T()> read)
+        : m_read(std::move(read))
+    {
+    }
 
     T operator()()
     {

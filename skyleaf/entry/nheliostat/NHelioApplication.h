@@ -66,7 +66,8 @@ class NHelioCloudCollectInfoMgr
 {
 public:
     virtual ~NHelioCloudCollectInfoMgr() = default;
-    /** When the open that is under way began, on the monotonic clock in nanoseconds; 0 or less when unknown. */
+    /** When the open that is under way began, on the monotonic clock in nanoseconds; 0 or less when unknown.
+     */
     virtual qint64 openStartTime() const = 0;
     virtual void reportDownloadProhibited() = 0;
 };

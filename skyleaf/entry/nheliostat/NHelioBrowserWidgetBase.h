@@ -23,13 +23,13 @@ using NHelioLocalPathPair = QPair<QString, QString>;
 /**
  * The browser widget of the shell: a toolbar and a Chromium web view. User-interface thread.
  *
- * Created without a web view; `initWebView` makes one, and `releaseWebView` frees it again. In that order the widget
- * then raises `webviewCreated`, `creatingApi` and `browserCreated`, still inside `initWebView`. An enabled startup
- * URL is loaded at the next turn of the event loop unless something else was loaded by then.
+ * Created without a web view; `initWebView` makes one, and `releaseWebView` frees it again. In that order the
+ * widget then raises `webviewCreated`, `creatingApi` and `browserCreated`, still inside `initWebView`. An
+ * enabled startup URL is loaded at the next turn of the event loop unless something else was loaded by then.
  *
- * Dynamic properties that it reads: "cachePath", "cookiePath" (directories; before `initWebView`), "webViewType",
- * "skipLoadingWidgetInjection". "startupUrl" is kept by `setStartupUrl`.
- * Invokable: "onShowWebLoadingWidget"(QString file name), "injectLoadingWidgetFlag"().
+ * Dynamic properties that it reads: "cachePath", "cookiePath" (directories; before `initWebView`),
+ * "webViewType", "skipLoadingWidgetInjection". "startupUrl" is kept by `setStartupUrl`. Invokable:
+ * "onShowWebLoadingWidget"(QString file name), "injectLoadingWidgetFlag"().
  */
 class NHelioBrowserWidgetBase : public QWidget
 {
@@ -67,7 +67,8 @@ public:
     /** True while a download, a dialog or sound forbids to release the web view. */
     virtual bool hasActivity() const = 0;
 
-    virtual void setCookie(const QUrl& url, const QNetworkCookie& cookie, std::function<void(bool)> completion) = 0;
+    virtual void setCookie(const QUrl& url, const QNetworkCookie& cookie,
+                           std::function<void(bool)> completion) = 0;
 
     /** Handlers per URL prefix, called on browser threads; kept over `releaseWebView`. */
     virtual void addLocalResourceCache(const QVector<NHelioResourceCacheEntry>& entries) = 0;
@@ -97,8 +98,8 @@ Q_SIGNALS:
 };
 
 /**
- * Asks for a browser widget; `creator` gets it at a later turn of the event loop, `parent` owns it. Nothing comes
- * when either is gone by then. False for a browser type other than 2.
+ * Asks for a browser widget; `creator` gets it at a later turn of the event loop, `parent` owns it. Nothing
+ * comes when either is gone by then. False for a browser type other than 2.
  */
-bool CreateHelioBrowserWidget(QWidget* parent, NHelioBrowserCreator* creator, int browserType, const QString& id,
-                              const QString& name, int scriptApiFlags);
+bool CreateHelioBrowserWidget(QWidget* parent, NHelioBrowserCreator* creator, int browserType,
+                              const QString& id, const QString& name, int scriptApiFlags);

@@ -23,8 +23,9 @@ public:
     virtual NHelioAppPage* currentPage() const = 0;
 
     /**
-     * Creates a page of a registered type with its sub page and tab and takes it in, behind the current one. A text
-     * that is not empty is notified to it; `params` go to `handleNotifyParams`. Null when no page can be created.
+     * Creates a page of a registered type with its sub page and tab and takes it in, behind the current one.
+     * A text that is not empty is notified to it; `params` go to `handleNotifyParams`. Null when no page can
+     * be created.
      */
     virtual NHelioAppPage* addPage(int type, const QString& text, const QVariantMap& params) = 0;
     /** Takes in a page that exists; it gets its sub page and tab. */

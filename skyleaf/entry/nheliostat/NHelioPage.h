@@ -24,7 +24,8 @@ public:
     virtual int widgetType() const = 0;
 };
 
-/** A page of a main window's central area. User-interface thread; owned by the central area it was added to. */
+/** A page of a main window's central area. User-interface thread; owned by the central area it was added to.
+ */
 class NHelioPage : public NHelioPluginWidget
 {
     Q_OBJECT
@@ -68,7 +69,8 @@ public:
     virtual bool openFiles(const QStringList& args, const QStringList& names, NHelioProxyStrategy strategy,
                            NHelioSubPage* subPage, const QVariantMap& extra);
     /** Gives the page what it showed before; true when it takes it. */
-    virtual bool recoverFiles(const QList<NHelioWorkAreaRecoverItem>& items, int strategy, NHelioSubPage* subPage);
+    virtual bool recoverFiles(const QList<NHelioWorkAreaRecoverItem>& items, int strategy,
+                              NHelioSubPage* subPage);
     /** Opens a document in the page: activates its initial sub page and loads. */
     virtual void newDocument(const QString& text, const QStringList& args, NHelioProxyStrategy strategy,
                              NHelioSubPage* subPage, const QVariantMap& extra);

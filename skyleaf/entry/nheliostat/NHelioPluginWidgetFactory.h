@@ -8,8 +8,14 @@ class QWidget;
 class NHelioPluginWidgetFactoryItemBase
 {
 public:
-    explicit NHelioPluginWidgetFactoryItemBase(int type) : m_type(type) {}
-    explicit NHelioPluginWidgetFactoryItemBase(const QString& type) : m_strType(type) {}
+    explicit NHelioPluginWidgetFactoryItemBase(int type)
+        : m_type(type)
+    {
+    }
+    explicit NHelioPluginWidgetFactoryItemBase(const QString& type)
+        : m_strType(type)
+    {
+    }
     NHelioPluginWidgetFactoryItemBase(const NHelioPluginWidgetFactoryItemBase&) = delete;
     NHelioPluginWidgetFactoryItemBase& operator=(const NHelioPluginWidgetFactoryItemBase&) = delete;
 

@@ -9,7 +9,11 @@ public:
     static constexpr int eventType = 33399;
     static constexpr int browserException = 0;
 
-    explicit NHelioScriptIpcEvent(qint32 kind) : QEvent(static_cast<QEvent::Type>(eventType)), m_kind(kind) {}
+    explicit NHelioScriptIpcEvent(qint32 kind)
+        : QEvent(static_cast<QEvent::Type>(eventType))
+        , m_kind(kind)
+    {
+    }
     qint32 kind() const { return m_kind; }
 
 private:

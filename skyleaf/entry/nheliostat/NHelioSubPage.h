@@ -68,7 +68,8 @@ public:
     virtual bool supportsStandaloneWindow() const { return false; }
     /** Whether the work area keeps the sub page. */
     virtual bool supportsWorkArea() const { return false; }
-    /** Fills `item` with what is needed to show the sub page again; false when there is nothing to recover. */
+    /** Fills `item` with what is needed to show the sub page again; false when there is nothing to recover.
+     */
     virtual bool getWorkAreaRecoverItem(NHelioWorkAreaRecoverItem* item);
     /** The delegate that draws the tab; owned by `parent`. */
     virtual NHelioTabDelegate* createTabDelegate(QObject* parent);
@@ -96,6 +97,10 @@ public:
     using QObject::QObject;
     /** A null icon lets the tab bar draw none. */
     virtual QIcon getIcon(qreal devicePixelRatio) const;
+
+Q_SIGNALS:
+    /** `getIcon` answers another icon from now on. */
+    void iconChanged();
 };
 
 /** The tab of a browser: shows the icon of the document's site. */

@@ -11,11 +11,12 @@ class QSettings;
 namespace nrt {
 
 /**
- * A user-scope settings store in native format, addressed by organisation and application, with nested groups.
+ * A user-scope settings store in native format, addressed by organisation and application, with nested
+ * groups.
  *
  * Reads answer the stored value, else the value that the deployment gives for "group/key", else the default.
- * Every write is on disk when the call returns. Single-threaded per object; several objects and processes may use
- * one store.
+ * Every write is on disk when the call returns. Single-threaded per object; several objects and processes may
+ * use one store.
  */
 class NSettings
 {

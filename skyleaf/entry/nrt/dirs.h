@@ -11,7 +11,8 @@ QString maravelHome();
 QString resourceDir(const QString& module);
 QString officeInstallRoot();
 QString frameworksDir();
-/** True when downloads must not be written to `path`: the installation itself and directories of the system. */
+/** True when downloads must not be written to `path`: the installation itself and directories of the system.
+ */
 bool inBlackDownloadDir(const QString& path);
 
 } // namespace nrt::dirs

@@ -13,9 +13,9 @@ namespace nrt {
 QString getLibFileName(const QString& name);
 
 /**
- * Loads a library of the installation by name, once per process, and keeps it loaded; a second call gives the same
- * object. `relativePath` is where it lies below the installation's library directory ("" for the directory
- * itself). Null when it is missing or cannot be loaded; the reason is logged.
+ * Loads a library of the installation by name, once per process, and keeps it loaded; a second call gives the
+ * same object. `relativePath` is where it lies below the installation's library directory ("" for the
+ * directory itself). Null when it is missing or cannot be loaded; the reason is logged.
  */
 std::shared_ptr<QLibrary> loadPluginModule(const QString& name, const QString& relativePath = {});
 

@@ -13,7 +13,8 @@ class INxScriptTransport
 public:
     virtual ~INxScriptTransport() = default;
 
-    /** Settles the call with a reply object (JSON, UTF-8). An empty id means the call that is being delivered. */
+    /** Settles the call with a reply object (JSON, UTF-8). An empty id means the call that is being
+     * delivered. */
     virtual void resolveCall(const QString& callId, const QByteArray& json) = 0;
     /** Settles the call with a failure. An empty id means the call that is being delivered. */
     virtual void rejectCall(const QString& callId, const QString& error) = 0;

@@ -11,5 +11,6 @@ public:
     virtual bool checkTavaRunning() = 0;
     virtual bool startTavaProcess(const QString& commandLine, bool wait) = 0;
     /** Starts the diagnosis tool; `title` is Base64. False when the tool of that kind cannot be started. */
-    virtual bool startDiagnosis(int kind, const QString& applicationId, int& resultCode, const QString& title) = 0;
+    virtual bool startDiagnosis(int kind, const QString& applicationId, int& resultCode,
+                                const QString& title) = 0;
 };

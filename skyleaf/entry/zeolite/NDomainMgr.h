@@ -9,8 +9,8 @@ public:
     virtual ~NDomainMgr() = default;
 
     /**
-     * The URL of a key: "quill" (documents site), "quill_api", "quill_api_spec", "drive", "root". Without trailing
-     * slash. Empty when not configured.
+     * The URL of a key: "quill" (documents site), "quill_api", "quill_api_spec", "drive", "root". Without
+     * trailing slash. Empty when not configured.
      */
     virtual QString getDomainUrl(const QString& key) const = 0;
     virtual bool isIntranet() const = 0;

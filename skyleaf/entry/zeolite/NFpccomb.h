@@ -12,7 +12,10 @@ class QObject;
 class NFpccombData
 {
 public:
-    explicit NFpccombData(QJsonObject object) : m_object(std::move(object)) {}
+    explicit NFpccombData(QJsonObject object)
+        : m_object(std::move(object))
+    {
+    }
     QJsonObject jsonObject() const { return m_object; }
     QVariantMap map() const { return m_object.toVariantMap(); }
 
@@ -20,7 +23,8 @@ private:
     QJsonObject m_object;
 };
 
-/** The configuration centre: items addressed by group and number, changing at run time. User-interface thread. */
+/** The configuration centre: items addressed by group and number, changing at run time. User-interface
+ * thread. */
 class NFpccomb
 {
 public:

@@ -18,9 +18,9 @@ public:
 
     virtual QString name() const = 0;
     /**
-     * Loads the plug-in and answers the state reached: 3 when its directory is there and complete. A plug-in that
-     * has to be fetched first answers 1 and reports later. The arguments select a priority and options; 0, 0 is
-     * the default.
+     * Loads the plug-in and answers the state reached: 3 when its directory is there and complete. A plug-in
+     * that has to be fetched first answers 1 and reports later. The arguments select a priority and options;
+     * 0, 0 is the default.
      */
     virtual int load(int priority = 0, int options = 0) = 0;
     virtual State state() const = 0;

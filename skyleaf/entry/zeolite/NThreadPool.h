@@ -7,7 +7,10 @@
 class NTask
 {
 public:
-    explicit NTask(std::function<void()> function) : m_function(std::move(function)) {}
+    explicit NTask(std::function<void()> function)
+        : m_function(std::move(function))
+    {
+    }
     void run() const { m_function(); }
 
 private:

@@ -8,7 +8,10 @@ class INxScriptTransport;
 class NxJSApiEventHandler
 {
 public:
-    explicit NxJSApiEventHandler(INxScriptTransport& transport) : m_transport(transport) {}
+    explicit NxJSApiEventHandler(INxScriptTransport& transport)
+        : m_transport(transport)
+    {
+    }
     void raiseEvent(const QString& name, const QString& data);
 
 private:

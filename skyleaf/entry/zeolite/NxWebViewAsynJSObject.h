@@ -2,21 +2,21 @@
 
 #include "zeolite/NxWebViewJSApiHandler.h"
 
-#include <QPointer>
-
 #include <memory>
 
 class NxJSApiEventHandler;
 class NxWebViewContainer;
+struct ScriptCall;
 
 /**
  * The script object of a web view: takes the page's calls, routes them by name and delivers the replies.
  *
- * A call is the JSON text {"id": text, "name": text, "args": object}. `name` is a method of this object, or the name
- * of a handler and its method joined by a dot; the text after the last dot is the method. The call ends exactly once
- * in the page: with the reply object when the method returns (see NxWebViewJSContext::isPublishable), later through
- * `publishResult`, or with an error: "malformed call: …", "unknown handler: …", "unknown method: …". A reply that is
- * not publishable leaves it open. User-interface thread.
+ * A call is the JSON text {"id": text, "name": text, "args": object}. `name` is a method of this object, or
+ * the name of a handler and its method joined by a dot; the text after the last dot is the method. The call
+ * ends exactly once in the page: with the reply object when the method returns (see
+ * NxWebViewJSContext::isPublishable), later through `publishResult`, or with an error: "malformed call: …",
+ * "unknown handler: …", "unknown method: …". A reply that is not publishable leaves it open. User-interface
+ * thread.
  */
 class NxWebViewAsynJSObject : public NxWebViewJSApiHandler
 {
@@ -26,7 +26,8 @@ public:
     ~NxWebViewAsynJSObject() override;
 
     /** Invokes the method on `handler` and delivers the reply if it is publishable. */
-    virtual void doCallFunction(const QString& method, NxWebViewJSContext& context, NxWebViewJSApiHandler* handler);
+    virtual void doCallFunction(const QString& method, NxWebViewJSContext& context,
+                                NxWebViewJSApiHandler* handler);
     /** Routes a call. False, with nothing sent, when no handler or method of that name exists. */
     virtual bool handleMethod(const QString& method, NxWebViewJSContext& context, bool publish);
     virtual void setWebViewContainer(NxWebViewContainer* container);
@@ -37,7 +38,8 @@ public:
     /** As `fromJSAsynCall` (or Base64), at the next turn of the event loop. */
     virtual void queueJSAsynCall(const QString& text, bool isBase64);
 
-    /** Delivers the context's reply object to the call, or to the named script function, that it was parsed for. */
+    /** Delivers the context's reply object to the call, or to the named script function, that it was parsed
+     * for. */
     void publishResult(const NxWebViewJSContext& context);
     /** Null without a web view container. */
     NxJSApiEventHandler* eventHandler() const;
@@ -46,6 +48,12 @@ public:
     void ensureHandlers();
 
 private:
-    QPointer<NxWebViewContainer> m_container;
-    std::unique_ptr<NxJSApiEventHandler> m_eventHandler;
+    class Private;
+
+    void take(const ScriptCall& call);
+    QString invoke(const QString& method, NxWebViewJSContext& context, NxWebViewJSApiHandler& handler);
+    void reject(const NxWebViewJSContext& context, const QString& error);
+    static bool end(const NxWebViewJSContext& context);
+
+    std::unique_ptr<Private> d;
 };

@@ -34,7 +34,8 @@ public:
     virtual QString userAgent() const = 0;
     virtual void setCustomHeaderHandler(CustomHeaderHandler handler) = 0;
     /** `completion` (may be empty) gets whether the cookie was stored. */
-    virtual void setCookie(const QUrl& url, const QNetworkCookie& cookie, std::function<void(bool)> completion) = 0;
+    virtual void setCookie(const QUrl& url, const QNetworkCookie& cookie,
+                           std::function<void(bool)> completion) = 0;
     /** Runs a script in the main frame. */
     virtual void executeScript(const QString& script) = 0;
     /** Removes all handlers and local directories of the view. */

@@ -5,18 +5,20 @@
 #include <QHash>
 #include <QObject>
 #include <QPair>
+#include <QPointer>
 
 class NxWebViewAsynJSObject;
 
 /**
- * A set of script methods. Every slot `name(NxWebViewJSContext&)` of a derived class is a method that the page can
- * call by that name; nothing else is.
+ * A set of script methods. Every slot `name(NxWebViewJSContext&)` of a derived class is a method that the
+ * page can call by that name; nothing else is.
  */
 class NxWebViewJSApiHandler : public QObject
 {
     Q_OBJECT
 public:
-    /** `scriptObject` is not owned; it outlives the handler (usually it is its parent). Null for a script object. */
+    /** `scriptObject` is not owned; it outlives the handler (usually it is its parent). Null for a script
+     * object. */
     explicit NxWebViewJSApiHandler(QObject* parent, NxWebViewAsynJSObject* scriptObject = nullptr);
 
     /** Registers the named handlers; called once, before the first call is routed. */
@@ -36,6 +38,6 @@ protected:
 
 private:
     NxWebViewAsynJSObject* m_scriptObject;
-    QHash<QString, NxWebViewJSApiHandler*> m_handlers;
+    QHash<QString, QPointer<NxWebViewJSApiHandler>> m_handlers;
     bool m_handlersValid = false;
 };

@@ -6,16 +6,19 @@
 
 #include <json/value.h>
 
+#include <memory>
+
 /**
- * One call of the page's script: its method, its arguments and the reply under construction. A value: a method that
- * answers later keeps a copy and publishes that.
+ * One call of the page's script: its method, its arguments and the reply under construction. A value: a
+ * method that answers later keeps a copy and publishes that.
  */
 class NxWebViewJSContext
 {
 public:
     NxWebViewJSContext() = default;
 
-    /** Fills the context: the method called, the call (or named script function) that gets the reply, the arguments. */
+    /** Fills the context: the method called, the call (or named script function) that gets the reply, the
+     * arguments. */
     void parse(const QString& method, const QString& callback, const QVariantMap& arguments);
 
     QString method() const { return m_method; }
@@ -35,15 +38,20 @@ public:
     bool defaultPublishResult() const { return m_defaultPublish; }
 
     /**
-     * Whether the reply goes to the page when the method returns: it has a member or the default was asked for, and
-     * it does not hold "ignoreThisJsCallback" = "true".
+     * Whether the reply goes to the page when the method returns: it has a member or the default was asked
+     * for, and it does not hold "ignoreThisJsCallback" = "true".
      */
     bool isPublishable() const;
 
 private:
+    friend class NxWebViewAsynJSObject; // opens and ends the call
+
     QString m_method;
     QString m_callback;
     QVariantMap m_arguments;
     Json::Value m_reply{Json::objectValue};
     bool m_defaultPublish = false;
+    /** Shared by the copies of the context: whether the call still waits for its end. Null when it is of no
+     * call. */
+    std::shared_ptr<bool> m_callOpen;
 };

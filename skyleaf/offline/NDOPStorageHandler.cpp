@@ -1,0 +1,6 @@
+#include "offline/NDOPStorageHandler.h"
+
+void NDOPStorageHandler::funcSwitch(NxWebViewJSContext& context)
+{
+    replyNotServed(context);
+}

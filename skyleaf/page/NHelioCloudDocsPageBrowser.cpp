@@ -1,0 +1,434 @@
+#include "page/NHelioCloudDocsPage.h"
+
+#include "base/NClock.h"
+#include "base/NDocsLog.h"
+#include "base/NReadOnce.h"
+#include "bridge/NHelioCloudDocsAsynJsObj.h"
+#include "nheliostat/NHelioApplication.h"
+#include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "nheliostat/NHelioCloudSvrProxy.h"
+#include "nheliostat/NHelioMainWindow.h"
+#include "nheliostat/NHelioSubPage.h"
+#include "nrt/dirs.h"
+#include "nrt/product.h"
+#include "page/BrowserDirs.h"
+#include "page/BrowserExceptionInfoCollector.h"
+#include "page/DocsUrl.h"
+#include "page/NCefPreloadClient.h"
+#include "proxy/NCloudDocsRecordManager.h"
+#include "proxy/NConfigCentreValues.h"
+#include "proxy/NDOPConfig.h"
+#include "zeolite/NCoreApplication.h"
+#include "zeolite/NDomainMgr.h"
+#include "zeolite/NxWebViewContainer.h"
+
+#include <QVBoxLayout>
+
+// The page and its browser: wiring, and what follows the browser's signals.
+
+namespace {
+
+constexpr quint32 accountCapability = 0x40000;
+
+// Flags of the browser widget; their meaning is the widget's.
+constexpr int flagAlwaysOff = 1024;
+constexpr int flagToolBar = 2;
+constexpr int flagAlwaysOn = 512;
+constexpr int flagIntranet = 16384;
+
+QString hostOfDomain(const QString& key)
+{
+    NCoreApplication* core = NCoreApplication::instance();
+    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
+    return domains ? QUrl(domains->getDomainUrl(key)).host() : QString();
+}
+
+QUrl errorPage(const QString& name)
+{
+    static NReadOnce<QString> resources([] { return nrt::dirs::resourceDir(QStringLiteral("skyleaf")); });
+    return QUrl(QStringLiteral("file:///") +
+                resources().mid(resources().startsWith(QLatin1Char('/')) ? 1 : 0) +
+                QStringLiteral("/mui/zh_CN/res/web/%1/index.html").arg(name));
+}
+
+} // namespace
+
+void NHelioCloudDocsPage::onCreateSucceeded(NHelioBrowserWidgetBase* browser)
+{
+    m_steps.record(QStringLiteral("create_succeeded"), m_sinceConstruction);
+    m_browser = browser;
+    m_proxyManager->setBrowser(browser);
+    Q_EMIT sigBrowserCreateSucceeded(browser);
+
+    auto* box = new QVBoxLayout(this);
+    box->setContentsMargins(0, 0, 0, 0);
+    box->addWidget(browser);
+    applyToolBarVisible();
+    if (!m_preInited)
+        browser->setStartupUrl(serviceStartPage());
+    wireBrowser();
+    connectLoginChange();
+    setBrowserPathsAndFlags();
+    if (m_pendingInitSelf) {
+        m_pendingInitSelf = false;
+        initSelf();
+    }
+}
+
+void NHelioCloudDocsPage::wireBrowser()
+{
+    connect(m_browser, &NHelioBrowserWidgetBase::webviewCreated, this,
+            &NHelioCloudDocsPage::onWebviewCreated);
+    connect(m_browser, &NHelioBrowserWidgetBase::browserCreated, this,
+            &NHelioCloudDocsPage::onBrowserCreated);
+    connect(m_browser, &NHelioBrowserWidgetBase::loadFinished, this, &NHelioCloudDocsPage::onLoadFinished);
+    connect(m_browser, &NHelioBrowserWidgetBase::creatingApi, this, &NHelioCloudDocsPage::onCreatingApi);
+    connect(m_browser, &NHelioBrowserWidgetBase::titleChanged, this, &NHelioCloudDocsPage::onTitleChanged);
+    connect(m_browser, &NHelioBrowserWidgetBase::cefProcessAbort, this,
+            &NHelioCloudDocsPage::onCefProcessAbort);
+    connect(m_browser, &NHelioBrowserWidgetBase::windowDestroying, this, &NHelioCloudDocsPage::onClose,
+            Qt::UniqueConnection);
+    connect(m_browser, &NHelioBrowserWidgetBase::faviconChange, this, &NHelioCloudDocsPage::onFaviconChange);
+    connect(m_browser, &NHelioBrowserWidgetBase::closeBrowserPage, this,
+            &NHelioCloudDocsPage::onCloseBrowserPage, Qt::QueuedConnection);
+    connect(m_browser, &NHelioBrowserWidgetBase::sigLinkClicked, this, &NHelioCloudDocsPage::onLinkClicked);
+}
+
+void NHelioCloudDocsPage::connectLoginChange()
+{
+    const NHelioApplication* application = NHelioApplication::instance();
+    if (!application)
+        return;
+    if (zeolite::isSupported(accountCapability)) {
+        if (NHelioAccount* account = application->account()) {
+            connect(account, &NHelioAccount::signalLoginStatusChanged, this,
+                    &NHelioCloudDocsPage::onLoginStatusChanged);
+        }
+    } else if (NHelioCloudSvrProxy* proxy = application->cloudSvrProxy()) {
+        connect(proxy, &NHelioCloudSvrProxy::loginStatusChanged, this,
+                &NHelioCloudDocsPage::onLoginStatusChanged);
+    }
+}
+
+void NHelioCloudDocsPage::setBrowserPathsAndFlags()
+{
+    const browserdirs::BrowserDirs directories = browserdirs::browserDirs();
+    m_browser->setProperty("cachePath", directories.cachePath);
+    m_browser->setProperty("cookiePath", directories.cookiePath);
+
+    m_browser->setFlag(flagAlwaysOff, false);
+    m_browser->setFlag(flagToolBar, m_toolBarVisible);
+    m_browser->setFlag(flagAlwaysOn, true);
+    if (nrt::kcmc::support(QStringLiteral("IntranetVersion")) || zeolite::isSupported(accountCapability))
+        m_browser->setFlag(flagIntranet, true);
+}
+
+void NHelioCloudDocsPage::onBrowserCreated()
+{
+    ndocslog::info(QStringLiteral("browser_created"), "NHelioCloudDocsPage::onBrowserCreated");
+    m_steps.record(QStringLiteral("browser_created"), m_sinceConstruction);
+    if (!m_browser)
+        return;
+    if (nrt::product::getFuncSwitchState(QStringLiteral("cloudDocsContainerUnified"), false))
+        m_browser->setCreateInfo(m_createInfo);
+    _updateCookies(false);
+    if (NxWebViewContainer* container = m_browser->webViewContainer()) {
+        connect(container, &NxWebViewContainer::beforeBrowser, this, &NHelioCloudDocsPage::slot_beforeBrowser,
+                static_cast<Qt::ConnectionType>(Qt::DirectConnection | Qt::UniqueConnection));
+    }
+    if (m_openTimePoints.size() == 2)
+        m_openTimePoints.append(nclock::monotonicNs());
+    else if (m_openTimePoints.size() == 3)
+        m_openTimePoints[2] = nclock::monotonicNs();
+    addSupportedProtocols();
+}
+
+void NHelioCloudDocsPage::addSupportedProtocols()
+{
+    if (!nconfigvalues::areSupportedProtocolsOn()) {
+        ndocslog::info(QStringLiteral("supported protocols disabled"),
+                       "NHelioCloudDocsPage::addSupportedProtocols");
+        return;
+    }
+    m_browser->addSupportedProtocol(QStringLiteral("weixin"));
+    m_browser->addSupportedProtocol(QStringLiteral("xweixin"));
+    m_browser->markProtocol(QStringLiteral("xweixin"), true);
+}
+
+void NHelioCloudDocsPage::onWebviewCreated(NxWebViewContainer* container)
+{
+    ndocslog::info(QStringLiteral("webview has been created"), "NHelioCloudDocsPage::onWebviewCreated");
+    m_steps.record(QStringLiteral("webview_created"), m_sinceConstruction);
+    if (!container)
+        return;
+    container->enableDragDrop(true);
+    setUserAgent(container);
+    connect(container, &NxWebViewContainer::loadError, this, &NHelioCloudDocsPage::onLoadError);
+    giveResponseCookies(container);
+    initDocsLocalResource();
+}
+
+void NHelioCloudDocsPage::setUserAgent(NxWebViewContainer* container)
+{
+    QString userAgent = container->userAgent() + QStringLiteral(" VLTQuillHybrid/1.0");
+    if (m_preloadFrameworkUsed)
+        userAgent += QStringLiteral(" PreloadDocFramework");
+    else if (m_initByPreloadBrowser)
+        userAgent += QStringLiteral(" PreloadBrowser");
+    container->setCustomHeaderHandler([value = userAgent.toUtf8()](QMap<QByteArray, QByteArray>& headers) {
+        headers.insert(QByteArrayLiteral("User-Agent"), value);
+    });
+}
+
+void NHelioCloudDocsPage::onCreatingApi(NxWebViewContainer* container, QObject** object)
+{
+    m_steps.record(QStringLiteral("creating_api"), m_sinceConstruction);
+    m_jsObj = new NHelioCloudDocsAsynJsObj(container, container, m_browser);
+    m_jsObj->setPage(this);
+    *object = m_jsObj;
+    wireBridge(container);
+
+    if (m_officeType.isEmpty())
+        _startVcsRequest();
+    else if (NDocsOfflinePage::NDOPConfig::instance().isDopEnabled(m_officeType))
+        _startNetworkRequest();
+    if (m_requestTask) {
+        m_jsObj->setOfficeType(m_officeType);
+        connect(m_requestTask.get(), &NCloudDocsRequestTask::sigRequestFromApiFinished, m_jsObj,
+                &NHelioCloudDocsAsynJsObj::onNetworkRequestFinish, Qt::QueuedConnection);
+        connect(m_requestTask.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this,
+                &NHelioCloudDocsPage::onAppendResponseCookies,
+                static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
+    }
+    BrowserExceptionInfoCollector::installOnce();
+}
+
+void NHelioCloudDocsPage::wireBridge(NxWebViewContainer* container)
+{
+    connect(m_jsObj, &NHelioCloudDocsAsynJsObj::sigReload, this, &NHelioCloudDocsPage::onReload);
+    connect(m_jsObj, &NHelioCloudDocsAsynJsObj::sigShowOfflinePage, this,
+            &NHelioCloudDocsPage::onShowOfflinePage);
+    connect(m_jsObj, &NHelioCloudDocsAsynJsObj::sigGotoHomepage, this, &NHelioCloudDocsPage::onGotoHomePage);
+    connect(m_jsObj, &NHelioCloudDocsAsynJsObj::sigClose, this, &NHelioCloudDocsPage::onClose);
+    connect(m_jsObj, &NHelioCommonJSAPI::sig_webFileReady, this, &NHelioCloudDocsPage::onWebFileReady);
+    connect(m_jsObj, &NHelioCommonJSAPI::sig_shareDlgReady, this, &NHelioCloudDocsPage::onShareDlgReady);
+    connect(m_jsObj, &NHelioCommonJSAPI::sig_menuItemDataReady, this,
+            &NHelioCloudDocsPage::onMenuItemDataReady);
+
+    connect(container, &NxWebViewContainer::dragEnter, m_jsObj, &NHelioCloudDocsAsynJsObj::onDragEnter);
+    connect(container, &NxWebViewContainer::addressChange, this, &NHelioCloudDocsPage::onAddressChange);
+    connect(container, &NxWebViewContainer::loadStart, this, &NHelioCloudDocsPage::onLoadStart);
+    connect(container, &NxWebViewContainer::faviconChange, this, &NHelioCloudDocsPage::onFaviconChange);
+    connect(container, &NxWebViewContainer::loadStarted, this, &NHelioCloudDocsPage::onLoadStarted);
+    connect(this, &NHelioCloudDocsPage::sigNotifyNameChange, m_jsObj, &NHelioCommonJSAPI::onNotifyNameChange);
+}
+
+void NHelioCloudDocsPage::onLoadFinished(bool ok)
+{
+    const bool blank =
+        m_browser && m_browser->currentUrl().compare(QLatin1String("about:blank"), Qt::CaseInsensitive) == 0;
+    if (m_preInitCalled && blank)
+        return;
+    m_steps.record(QStringLiteral("load_finished"), m_sinceConstruction);
+    m_loadFinished = true;
+    updatePageTitle();
+    if (m_browser && ok)
+        _updateCookies(false);
+    setFileSrcFrom(m_browser ? m_browser->currentUrl() : QString());
+    Q_EMIT sigLoadFinished(ok);
+    postPerformance();
+}
+
+void NHelioCloudDocsPage::updatePageTitle()
+{
+    const QString title = m_browser ? m_browser->title() : QString();
+    NHelioSubPage* subPage = initialSubPage();
+    if (title.isEmpty() || !subPage)
+        return;
+    if ((m_initByPreloadBrowser && title == m_preloadTitle) ||
+        (m_preInitCalled && title == QLatin1String("about:blank"))) {
+        return;
+    }
+    m_title = title;
+    subPage->setWindowTitle(title);
+}
+
+void NHelioCloudDocsPage::onLoadError(const QString& url, const QString& message, int code, bool& handled)
+{
+    Q_UNUSED(handled)
+    postOpenStep(QStringLiteral("load_error"), url, code, message);
+}
+
+void NHelioCloudDocsPage::onLoadStart(NxWebViewFrame* frame)
+{
+    Q_UNUSED(frame)
+    m_steps.record(QStringLiteral("load_start"), m_sinceConstruction);
+}
+
+void NHelioCloudDocsPage::onLoadStarted()
+{
+    m_steps.record(QStringLiteral("load_started"), m_sinceConstruction);
+    m_webFileInfo.clear();
+}
+
+void NHelioCloudDocsPage::onTitleChanged(const QString& title)
+{
+    if (!m_browser || title.isEmpty() || title == m_title || !m_loadFinished)
+        return;
+    m_title = title;
+    NHelioSubPage* subPage = initialSubPage();
+    if (!subPage)
+        return;
+    subPage->setWindowTitle(m_browser->title());
+    const NHelioMainWindow* window = mainWindow();
+    if (!subPage->workAreaItemId().isEmpty() && window && window->workAreaManager())
+        window->workAreaManager()->updateItem(subPage->workAreaItemId());
+}
+
+void NHelioCloudDocsPage::onAddressChange(const QString& url)
+{
+    if (!m_browser || !m_jsObj)
+        return;
+    const QString host = QUrl(url).host();
+    const bool isService =
+        !host.isEmpty() && (host.compare(hostOfDomain(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
+                            host.compare(hostOfDomain(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
+    m_reloadUrl = isService ? url : QString();
+}
+
+void NHelioCloudDocsPage::onFaviconChange(const QList<QIcon>& icons)
+{
+    Q_UNUSED(icons)
+    if (NHelioSubPage* subPage = initialSubPage())
+        subPage->refreshIcon();
+}
+
+void NHelioCloudDocsPage::onLinkClicked(const QString& url)
+{
+    if (url.isEmpty() || !m_browser || !nconfigvalues::isVersionCheckOn())
+        return;
+    QUrl document(url);
+    if (!docsurl::isDocumentUrl(document))
+        return;
+    docsurl::removeQueryItems(document, {QStringLiteral("officeType")});
+    normalizeUrl(document.toString(QUrl::FullyEncoded));
+    m_browser->setProperty("linkClickedNotHandle", true);
+}
+
+QString NHelioCloudDocsPage::reloadUrlFor(const QString& reason) const
+{
+    const QString startup = startupUrl();
+    return docsurl::reloadUrl(startup.isEmpty() ? m_notify_URL : startup, reason, nclock::nowMs());
+}
+
+void NHelioCloudDocsPage::reloadOr(const QString& reason, const QUrl& fallback)
+{
+    if (!m_browser)
+        return;
+    if (m_reloadUrl.isEmpty())
+        m_reloadUrl = reloadUrlFor(reason);
+    m_browser->load(m_reloadUrl.isEmpty() ? fallback : QUrl(m_reloadUrl));
+}
+
+QString NHelioCloudDocsPage::serviceStartPage()
+{
+    return commandUrlOf(QString());
+}
+
+void NHelioCloudDocsPage::onReload()
+{
+    reloadOr(QStringLiteral("from"), QUrl(serviceStartPage()));
+}
+
+void NHelioCloudDocsPage::onCefProcessAbort()
+{
+    reloadOr(QStringLiteral("cefProcessAbort"), errorPage(QStringLiteral("error-cefabort")));
+}
+
+void NHelioCloudDocsPage::onLoginStatusChanged()
+{
+    _updateCookies(true);
+    if (m_browser && m_jsObj) {
+        if (zeolite::isSupported(accountCapability)) {
+            const NHelioApplication* application = NHelioApplication::instance();
+            const NHelioAccount* account = application ? application->account() : nullptr;
+            if (account && account->isLoggedIn())
+                m_browser->reload();
+            return;
+        }
+        if (m_reloadUrl.isEmpty())
+            m_reloadUrl = reloadUrlFor(QStringLiteral("loginStatusChanged"));
+        if (!m_reloadUrl.isEmpty())
+            m_browser->load(QUrl(m_reloadUrl));
+    } else if (isReleased()) {
+        load();
+    }
+}
+
+void NHelioCloudDocsPage::onShowOfflinePage()
+{
+    if (m_browser)
+        m_browser->load(errorPage(QStringLiteral("error-page")));
+}
+
+void NHelioCloudDocsPage::onGotoHomePage()
+{
+    if (m_browser)
+        m_browser->load(QUrl(serviceStartPage()));
+}
+
+void NHelioCloudDocsPage::onWebFileReady(const QMap<QString, QString>& info)
+{
+    m_webFileReady = true;
+    m_steps.record(QStringLiteral("web_file_ready"), m_sinceConstruction);
+    postOpenTime();
+    Q_EMIT webFileReady(info);
+    m_webFileInfo = info;
+
+    const QString fileType = info.value(QStringLiteral("fileType"));
+    if (!fileType.isEmpty())
+        recordFileTypes(fileType, info.value(QStringLiteral("fileId")));
+    if (nrt::kcmc::support(QStringLiteral("PreCreateCloudDocsContainer")))
+        NCefPreloadClient::instance().createContainer(NCefPreloadClient::containerName());
+    postOpenStep(QStringLiteral("web_file_ready"), m_browser ? m_browser->currentUrl() : QString());
+}
+
+void NHelioCloudDocsPage::recordFileTypes(const QString& fileType, const QString& readyFileId)
+{
+    if (!readyFileId.isEmpty()) {
+        nversioncheckcache::set(readyFileId, fileType);
+        if (property("File_ID").toString().isEmpty())
+            setProperty("File_ID", readyFileId);
+    }
+    if (!m_browser)
+        return;
+    const QString urlFileId = docsurl::fileIdOf(QUrl(m_notify_URL));
+    if (!urlFileId.isEmpty()) {
+        setProperty("URL_File_ID", urlFileId);
+        if (urlFileId != readyFileId && m_browser->currentUrl().contains(urlFileId))
+            nversioncheckcache::set(urlFileId, fileType);
+    }
+    NCefPreloadClient::instance().recordFeatureUsed(NCefPreloadClient::containerName());
+}
+
+void NHelioCloudDocsPage::onShareDlgReady(const QMap<QString, QString>& info)
+{
+    Q_UNUSED(info)
+    m_steps.record(QStringLiteral("share_dlg_ready"), m_sinceConstruction);
+    postOpenTime();
+}
+
+void NHelioCloudDocsPage::onMenuItemDataReady(const QJsonObject& items)
+{
+    Q_EMIT sig_menuItemDataReady(items);
+}
+
+void NHelioCloudDocsPage::onSubPageActived()
+{
+    if (m_browser)
+        m_browser->activate();
+}
+
+void NHelioCloudDocsPage::onChromeWidgetWinMessage(uint, uint, uint, uint) {}
+
+void NHelioCloudDocsPage::onNotifyMouseDown() {}
