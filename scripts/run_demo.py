@@ -10,6 +10,7 @@ import os
 import subprocess
 import sys
 import tempfile
+import time
 
 from helio_shell import DocumentsServer, Shell, write_host_file
 
@@ -33,8 +34,8 @@ def run_with_window(programs, server, text, data_dir):
 def time_line(notifications, page, start):
     """The lines of the open: requests, steps and events with their milliseconds since the notify."""
     lines = []
-    for when, each in notifications:
-        at = (when - start) * 1000
+    for each in notifications:
+        at = (each.at - start) * 1000
         params = each.params
         if each.method == "request" and params.get("page") == page:
             lines.append((at, "request", "%s %s %s (%s, %d bytes, %.1f ms)" % (
@@ -51,7 +52,7 @@ def open_headless(programs, server, text, data_dir, work):
     with Shell(programs, host=server.host_members(), data_dir=data_dir) as shell:
         page = shell.call("page.create", type=1)["page"]
         shell.call("page.notify", page=page, text=text)
-        start = shell.now()
+        start = time.monotonic()
         shell.call("page.load", page=page)
         shell.wait_for_page(page, "webFileReady" if "/p/" in text or "/l/" in text else "loadFinished", timeout=60)
         shell.evaluate(page, "await new Promise(r => requestAnimationFrame(() => setTimeout(r, 300)))")
@@ -61,7 +62,7 @@ def open_headless(programs, server, text, data_dir, work):
         visible = shell.evaluate(page, "return document.body.innerText.slice(0, 400)")
         steps = [n.params["fields"]["step_list"] for n in shell.notifications("event")
                  if n.params["name"] == "docs_cloud_opentime"]
-        lines = time_line(shell.timed_notifications(), page, start)
+        lines = time_line(shell.notifications(), page, start)
 
     with open(os.path.join(work, "timeline.txt"), "w", encoding="utf-8") as file:
         for at, kind, text_of_line in lines:

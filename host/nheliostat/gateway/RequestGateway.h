@@ -35,7 +35,8 @@ struct GatewayHandler
 
 struct GatewayOptions
 {
-    /** Hosts ("docs.example.test") whose CONNECT tunnels are opened up, so that https can be answered locally. */
+    /** Hosts ("docs.example.test") whose CONNECT tunnels are opened up, so that https can be answered
+     * locally. */
     QStringList interceptedHosts;
     /** "host" or "host:port" to "address:port": where to connect instead of looking the host up. */
     QMap<QString, QString> resolve;
@@ -47,18 +48,27 @@ struct GatewayOptions
 /**
  * The HTTP proxy inside the shell process through which the browser fetches everything.
  *
- * It listens on a random loopback port and asks for the credentials below (407 without them). Requests carry the
- * header `viewHeader` with the id of their view; the gateway strips it before anything leaves the process. A
- * request is offered to its view's handlers, newest registration first; the first that takes it answers, late
- * answers included. Otherwise a local directory of the view serves it, otherwise it is forwarded.
+ * It listens on a random loopback port and asks for the credentials below (407 without them). Requests carry
+ * the header `viewHeader` with the id of their view; the gateway strips it before anything leaves the
+ * process. A request is offered to its view's handlers, newest registration first; the first that takes it
+ * answers, late answers included. Otherwise a local directory of the view serves it, otherwise it is
+ * forwarded.
  *
- * All members may be called from any thread. Destruction ends every connection and joins the threads.
+ * Handlers run on gateway threads, one of which serves many connections: a handler that takes long hands the
+ * callback on. One that throws has not taken the request. An empty answer to a navigation sends the request
+ * to the network instead. Local directories answer GET and HEAD only.
+ *
+ * All members may be called from any thread. Destruction ends every connection and joins the threads; it must
+ * not happen on a gateway thread, nor while a handler waits for the destroying thread.
  */
 class RequestGateway
 {
 public:
-    /** Name of the request header that carries the view id. */
-    static constexpr const char* viewHeader = "X-Helio-View";
+    /**
+     * Name of the request header that carries the view id. "Sec-" keeps page scripts from setting it, and the
+     * browser from asking other origins for permission to send it.
+     */
+    static constexpr const char* viewHeader = "Sec-Helio-View";
 
     /** Starts listening. Throws std::runtime_error when no port can be bound or no certificate be made. */
     explicit RequestGateway(GatewayOptions options);
@@ -69,26 +79,38 @@ public:
     quint16 port() const;
     QString user() const;
     QString password() const;
-    /** The DER form of the certificate shown for intercepted hosts; the only one the browser may accept for them. */
+    /** The DER form of the certificate shown for intercepted hosts; the only one the browser may accept for
+     * them. */
     QByteArray certificateDer() const;
 
     /** A new view with an unguessable id. */
     QByteArray openView();
-    /** Drops the view's registrations; its waiting requests end with an error. */
+    /** Drops the view's registrations; its requests that wait for a handler end with an error. */
     void closeView(const QByteArray& viewId);
 
+    // An unknown view makes the following do nothing.
+
+    /** The last of `handlers` counts as the newest. */
     void addHandlers(const QByteArray& viewId, const QVector<GatewayHandler>& handlers);
-    /** Requests already taken by a removed handler may still be completed. */
+    /**
+     * Removes every handler with one of these prefixes. Requests already taken by them may still be
+     * completed, and a call under way on a gateway thread may still come to its end.
+     */
     void removeHandlers(const QByteArray& viewId, const QStringList& urlPrefixes);
     void clearHandlers(const QByteArray& viewId);
 
-    /** Files below `directory` answer requests below `urlPrefix`; a missing file is a 404. */
+    /**
+     * Files below `directory` answer requests below `urlPrefix`, the longest prefix first; a missing file and
+     * a symbolic link out of the directory are a 404. The browser keeps files, but asks whether they changed.
+     */
     void setLocalDirectory(const QByteArray& viewId, const QString& urlPrefix, const QString& directory);
     void removeLocalDirectory(const QByteArray& viewId, const QString& urlPrefix);
 
     /**
      * Publishes `body` for exactly one GET by the view and returns its URL below `origin`
-     * ("https://docs.example.test"). Unfetched replies are dropped with the view.
+     * ("https://docs.example.test"). Neither handlers nor directories see requests for it, and it never goes
+     * to the network. Unfetched replies are dropped with the view.
+     * Returns an empty URL when the view is not open or `origin` is not http or https.
      */
     QUrl publishReply(const QByteArray& viewId, const QUrl& origin, const QByteArray& body,
                       const QByteArray& contentType);

@@ -1,0 +1,1 @@
+// Nothing: what is left of loading it is loading the libraries that it is linked to.

@@ -1,0 +1,20 @@
+#include "BarePage.h"
+
+#include <QVBoxLayout>
+
+BarePage::BarePage(QWidget* parent)
+    : QObject(parent)
+{
+    m_channel.registerObject(QStringLiteral("echo"), &m_echo);
+    m_view.page()->setWebChannel(&m_channel);
+    parent->layout()->addWidget(&m_view);
+    connect(m_view.page(), &QWebEnginePage::loadFinished, this, &BarePage::loaded);
+}
+
+void BarePage::load()
+{
+    m_view.setHtml(QStringLiteral("<script src='qrc:///qtwebchannel/qwebchannel.js'></script>"
+                                  "<script>new QWebChannel(qt.webChannelTransport, (channel) => {"
+                                  "  window.echo = channel.objects.echo; });</script>"),
+                   QUrl(QStringLiteral("qrc:///bare.html")));
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QWebEnginePage>
+
+#include <functional>
+
+class QAuthenticator;
+
+namespace nheliostat::browser {
+
+/** The page of a web view: hands Chromium's questions to its owner. User-interface thread. */
+class BrowserWebPage final : public QWebEnginePage
+{
+    Q_OBJECT
+public:
+    /** The owner's answers. All are set; they are called until the page is destroyed. */
+    struct Owner
+    {
+        std::function<bool(const QUrl& url, NavigationType type, bool isMainFrame)> acceptNavigation;
+        std::function<bool(const QWebEngineCertificateError& error)> acceptCertificate;
+        std::function<void(const QUrl& url)> openNewWindow;
+        /** Without dialogs, alerts are logged and questions are answered with no. */
+        bool withoutDialogs = false;
+    };
+
+    BrowserWebPage(QWebEngineProfile* profile, Owner owner, QObject* parent);
+
+protected:
+    bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
+    bool certificateError(const QWebEngineCertificateError& error) override;
+    QWebEnginePage* createWindow(WebWindowType type) override;
+    QStringList chooseFiles(FileSelectionMode mode, const QStringList& oldFiles,
+                            const QStringList& acceptedMimeTypes) override;
+    void javaScriptAlert(const QUrl& securityOrigin, const QString& text) override;
+    bool javaScriptConfirm(const QUrl& securityOrigin, const QString& text) override;
+    bool javaScriptPrompt(const QUrl& securityOrigin, const QString& text, const QString& defaultValue,
+                          QString* result) override;
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& text, int line,
+                                  const QString& source) override;
+
+private:
+    void denyFeature(const QUrl& securityOrigin, Feature feature);
+
+    Owner m_owner;
+};
+
+} // namespace nheliostat::browser

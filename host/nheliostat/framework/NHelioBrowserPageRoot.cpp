@@ -1,0 +1,6 @@
+#include "nheliostat/NHelioBrowserPageRoot.h"
+
+NHelioBrowserPageRoot::NHelioBrowserPageRoot(QWidget* parent)
+    : NHelioAppPage(parent)
+{
+}

@@ -1,0 +1,196 @@
+#include "nheliostat/framework/ShellApplication.h"
+
+#include "nheliostat/NHelioCommonJSAPI.h"
+#include "nheliostat/framework/ApplicationInstance.h"
+#include "nheliostat/framework/ShellAccount.h"
+#include "nheliostat/framework/ShellCentralArea.h"
+#include "nheliostat/framework/ShellCloudSvrProxy.h"
+#include "nheliostat/framework/ShellMainWindow.h"
+
+#include <QCoreApplication>
+
+#include <chrono>
+#include <utility>
+
+namespace {
+
+constexpr int documentsPageType = 1;
+
+} // namespace
+
+ShellApplication::ShellApplication(const Setup& setup, QObject* parent)
+    : NHelioApplication(parent)
+    , m_translators(setup.translationsDir)
+    , m_cloudSvrProxy(new ShellCloudSvrProxy(setup.user, this))
+    , m_account(new ShellAccount(*m_cloudSvrProxy, this))
+    , m_scriptIpcEventHub(new QObject(this))
+    , m_skin(setup.dark)
+    , m_discardTimer(this)
+{
+    nheliostat::host::setApplication(this);
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+            &ShellApplication::announceQuit);
+    setNewPageHandler({});
+    m_discardTimer.setObjectName(QStringLiteral("discardTimer"));
+    connect(&m_discardTimer, &QTimer::timeout, this, &ShellApplication::releaseInactivePages);
+    if (setup.discardCheckSeconds > 0)
+        m_discardTimer.start(std::chrono::seconds(setup.discardCheckSeconds));
+}
+
+ShellApplication::~ShellApplication()
+{
+    announceQuit();
+    for (const QPointer<ShellMainWindow>& window : std::exchange(m_windows, {}))
+        delete window;
+    nheliostat::host::setApplication(nullptr);
+}
+
+ShellMainWindow* ShellApplication::openMainWindow()
+{
+    auto* window = new ShellMainWindow;
+    window->setDark(m_skin.isDark());
+    m_windows.removeAll(nullptr);
+    m_windows.append(window);
+    connect(&window->area(), &ShellCentralArea::pageAdded, this, &ShellApplication::pageAdded);
+    connect(&window->area(), &ShellCentralArea::pageRemoved, this, &ShellApplication::pageRemoved);
+    connect(&window->area(), &ShellCentralArea::currentPageChanged, this,
+            &ShellApplication::currentPageChanged);
+    connect(window, &ShellMainWindow::newPageRequested, this, [this, window] { m_newPageHandler(*window); });
+    return window;
+}
+
+void ShellApplication::setNewPageHandler(NewPageHandler handler)
+{
+    m_newPageHandler = std::move(handler);
+    if (!m_newPageHandler)
+        m_newPageHandler = [this](ShellMainWindow& window) { openDocumentsPage(window, {}); };
+}
+
+NHelioAppPage* ShellApplication::openDocumentsPage(ShellMainWindow& window, const QString& text)
+{
+    m_collectInfo.markOpenStarted();
+    NHelioAppPage* page = window.area().addPage(documentsPageType, {}, {});
+    if (!page)
+        return nullptr;
+    const QPointer<NHelioAppPage> opened = page;
+    page->notify(text);
+    if (opened)
+        window.area().setCurrentPage(opened);
+    if (opened)
+        opened->load();
+    return opened;
+}
+
+void ShellApplication::openUrl(const QString& url, const QObject* origin)
+{
+    NHelioMainWindow* window = findRelativeHelioMainWindow(origin);
+    if (!window)
+        window = firstWindow();
+    if (window)
+        window->centralArea()->addBrowserPage(url);
+}
+
+void ShellApplication::setUser(const NHelioUserInfo& user)
+{
+    m_cloudSvrProxy->setUser(user);
+}
+
+const NHelioUserInfo& ShellApplication::user() const
+{
+    return m_cloudSvrProxy->user();
+}
+
+void ShellApplication::setDark(bool dark)
+{
+    m_skin.setDark(dark);
+    for (const QPointer<ShellMainWindow>& window : std::as_const(m_windows)) {
+        if (window)
+            window->setDark(dark);
+    }
+}
+
+void ShellApplication::releaseInactivePages()
+{
+    const QVector<QPointer<ShellMainWindow>> windows = m_windows;
+    for (const QPointer<ShellMainWindow>& window : windows) {
+        if (window)
+            window->area().releaseInactivePages();
+    }
+}
+
+void ShellApplication::serveScriptObject(NHelioCommonJSAPI& scriptObject)
+{
+    connect(&scriptObject, &NHelioCommonJSAPI::loginRequested, this, &ShellApplication::loginRequested);
+    // Later: both may end the document that the call came from.
+    connect(&scriptObject, &NHelioCommonJSAPI::logoutRequested, this, &ShellApplication::signOut,
+            Qt::QueuedConnection);
+    const QPointer<NHelioCommonJSAPI> origin = &scriptObject;
+    connect(
+        &scriptObject, &NHelioCommonJSAPI::openUrlRequested, this,
+        [this, origin](const QString& url) { openUrl(url, origin); }, Qt::QueuedConnection);
+}
+
+void ShellApplication::signOut()
+{
+    NHelioUserInfo nobody = user();
+    nobody.loggedIn = false;
+    nobody.userId.clear();
+    nobody.sessionKey.clear();
+    nobody.cookies.clear();
+    setUser(nobody);
+}
+
+void ShellApplication::announceQuit()
+{
+    if (!std::exchange(m_quitAnnounced, true))
+        Q_EMIT aboutToQuit();
+}
+
+QVector<NHelioMainWindow*> ShellApplication::mainWindows() const
+{
+    QVector<NHelioMainWindow*> windows;
+    for (const QPointer<ShellMainWindow>& window : m_windows) {
+        if (window)
+            windows.append(window);
+    }
+    return windows;
+}
+
+ShellMainWindow* ShellApplication::firstWindow() const
+{
+    for (const QPointer<ShellMainWindow>& window : m_windows) {
+        if (window)
+            return window;
+    }
+    return nullptr;
+}
+
+NHelioMainWindow* ShellApplication::findRelativeHelioMainWindow(const QObject* object) const
+{
+    for (const QObject* holder = object; holder; holder = holder->parent()) {
+        if (const auto* window = qobject_cast<const NHelioMainWindow*>(holder))
+            return const_cast<NHelioMainWindow*>(window);
+    }
+    return nullptr;
+}
+
+NHelioCloudSvrProxy* ShellApplication::cloudSvrProxy() const
+{
+    return m_cloudSvrProxy;
+}
+
+NHelioAccount* ShellApplication::account() const
+{
+    return m_account;
+}
+
+void ShellApplication::installPluginTranslation(const QString& module, const QStringList& names)
+{
+    m_translators.install(module, names);
+}
+
+void ShellApplication::uninstallPluginTranslation(const QString& module, const QStringList& names)
+{
+    Q_UNUSED(names)
+    m_translators.uninstall(module);
+}

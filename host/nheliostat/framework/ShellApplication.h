@@ -1,0 +1,98 @@
+#pragma once
+
+#include "nheliostat/NHelioApplication.h"
+#include "nheliostat/NHelioCloudSvrProxy.h"
+#include "nheliostat/framework/PluginTranslators.h"
+#include "nheliostat/framework/ShellBrowserPageItem.h"
+#include "nheliostat/framework/ShellCollectInfoMgr.h"
+#include "nheliostat/framework/ShellSkin.h"
+
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+
+class NHelioAppPage;
+class NHelioCommonJSAPI;
+class ShellAccount;
+class ShellCloudSvrProxy;
+class ShellMainWindow;
+
+/**
+ * The shell: its windows, user and looks. There is one; NHelioApplication::instance() answers it while it
+ * lives. It raises aboutToQuit before its windows and pages go, then deletes them. User-interface thread.
+ */
+class ShellApplication final : public NHelioApplication
+{
+    Q_OBJECT
+public:
+    struct Setup
+    {
+        NHelioUserInfo user;
+        bool dark = false;
+        QString translationsDir;      //!< of "<name>_<locale>.qm" files; may be empty
+        int discardCheckSeconds = 60; //!< how often inactive pages may be released; 0 for never
+    };
+    /** What a window's "new page" does. */
+    using NewPageHandler = std::function<void(ShellMainWindow&)>;
+
+    explicit ShellApplication(const Setup& setup, QObject* parent = nullptr);
+    ~ShellApplication() override;
+
+    /** A new window without pages, not yet shown; owned by the application. */
+    ShellMainWindow* openMainWindow();
+    /** Replaces what "new page" does: by default openDocumentsPage with an empty text. */
+    void setNewPageHandler(NewPageHandler handler);
+    /** Opens a documents page (type 1) that is notified with the text, made current and loaded; null for
+     * none. */
+    NHelioAppPage* openDocumentsPage(ShellMainWindow& window, const QString& text);
+    /** Shows a URL in a plain browser page of the window that holds `origin`, else of the first window. */
+    void openUrl(const QString& url, const QObject* origin);
+
+    void setUser(const NHelioUserInfo& user);
+    const NHelioUserInfo& user() const;
+    void setDark(bool dark);
+    ShellCollectInfoMgr& collectInfo() { return m_collectInfo; }
+    /** Releases the inactive pages of all windows that can be; also runs every discardCheckSeconds. */
+    void releaseInactivePages();
+    /** Lets a script object of a page reach the shell; script objects call it themselves. */
+    void serveScriptObject(NHelioCommonJSAPI& scriptObject);
+
+    QVector<NHelioMainWindow*> mainWindows() const override;
+    NHelioMainWindow* findRelativeHelioMainWindow(const QObject* object) const override;
+    NHelioCloudSvrProxy* cloudSvrProxy() const override;
+    /** None: the shell keeps no cloud files of its own. */
+    NHelioCloudFilesMgr* cloudFilesMgr() const override { return nullptr; }
+    NHelioCloudCollectInfoMgr* getCloudCollectInfoMgr() const override { return &m_collectInfo; }
+    NHelioSkin* helioSkin() const override { return &m_skin; }
+    NHelioAccount* account() const override;
+    QObject* scriptIpcEventHub() const override { return m_scriptIpcEventHub; }
+    void installPluginTranslation(const QString& module, const QStringList& names) override;
+    void uninstallPluginTranslation(const QString& module, const QStringList& names) override;
+
+Q_SIGNALS:
+    void pageAdded(NHelioAppPage* page);
+    /** The page is out of its window; it may be in the middle of its destruction: only compare it. */
+    void pageRemoved(NHelioAppPage* page);
+    /** The current page of a window changed; null when the window has no page left. */
+    void currentPageChanged(NHelioAppPage* page);
+    /** A page's script asks for the user to sign in. */
+    void loginRequested();
+
+private:
+    ShellMainWindow* firstWindow() const;
+    void signOut();
+    void announceQuit();
+
+    PluginTranslators m_translators;
+    ShellBrowserPageItem m_browserPageItem;
+    ShellCloudSvrProxy* m_cloudSvrProxy;
+    ShellAccount* m_account;
+    QObject* m_scriptIpcEventHub;
+    mutable ShellSkin m_skin;
+    mutable ShellCollectInfoMgr m_collectInfo;
+    NewPageHandler m_newPageHandler;
+    QVector<QPointer<ShellMainWindow>> m_windows;
+    QTimer m_discardTimer;
+    bool m_quitAnnounced = false;
+};

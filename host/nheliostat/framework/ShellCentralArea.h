@@ -1,0 +1,68 @@
+#pragma once
+
+#include "nheliostat/NHelioMainWindow.h"
+
+#include <QSet>
+
+class QStackedWidget;
+class ShellEmptyState;
+
+/**
+ * The pages of a window, one of them shown; the empty state when there is none.
+ *
+ * A page leaves by `removePage`, by closing itself (it is then deleted at a later turn of the event loop;
+ * until then it still stands in its window) or by being deleted.
+ */
+class ShellCentralArea final : public NHelioCentralArea
+{
+    Q_OBJECT
+public:
+    explicit ShellCentralArea(QWidget* parent = nullptr);
+    ~ShellCentralArea() override;
+
+    QVector<NHelioAppPage*> pages() const override { return m_pages; }
+    NHelioAppPage* pageAt(int index) const override { return m_pages.value(index, nullptr); }
+    NHelioAppPage* currentPage() const override { return m_current; }
+
+    NHelioAppPage* addPage(int type, const QString& text, const QVariantMap& params) override;
+    void addPage(NHelioAppPage* page) override;
+    NHelioAppPage* addBrowserPage(const QString& url) override;
+    void removePage(NHelioAppPage* page) override;
+    /** Does nothing for a page of another window. */
+    void setCurrentPage(NHelioAppPage* page) override;
+
+    /** Changes the order; indexes outside the range change nothing. */
+    void movePage(int from, int to);
+    /** Makes the page that stands `step` places behind the current one current, round and round. */
+    void stepCurrentPage(int step);
+    /** Closes all pages, the current one last. False, with the rest left open, when a page refuses. */
+    bool closeAllPages();
+    /** Releases the pages that are not current and say that they can be released. */
+    void releaseInactivePages();
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+Q_SIGNALS:
+    void pageAdded(NHelioAppPage* page);
+    /** The page is out; it may be in the middle of its destruction: only compare it. */
+    void pageRemoved(NHelioAppPage* page);
+    /** Null when no page is left. */
+    void currentPageChanged(NHelioAppPage* page);
+    void newPageRequested();
+
+private:
+    QVector<NHelioAppPage*> pagesCurrentLast() const;
+    void takeIn(NHelioAppPage* page);
+    void stopWatching(NHelioAppPage* page);
+    /** Takes the page off the list and makes a neighbour current; does not touch the page itself. */
+    void forget(NHelioAppPage* page);
+    void onPageDestroyed(QObject* page);
+    bool askToClose(QObject* page, QEvent* closeEvent);
+
+    QStackedWidget* m_stack;
+    ShellEmptyState* m_emptyState;
+    QVector<NHelioAppPage*> m_pages;
+    NHelioAppPage* m_current = nullptr;
+    QSet<const NHelioAppPage*> m_releasedSinceShown;
+    QSet<const QObject*> m_beingAskedToClose;
+};

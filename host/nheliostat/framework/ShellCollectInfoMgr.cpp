@@ -1,0 +1,46 @@
+#include "nheliostat/framework/ShellCollectInfoMgr.h"
+
+#include "zeolite/NCoreApplication.h"
+#include "zeolite/NDcInfoC.h"
+
+#include <chrono>
+#include <utility>
+
+namespace {
+
+constexpr qint64 longestOpenNs = 60LL * 1000 * 1000 * 1000;
+
+qint64 steadyNs()
+{
+    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(sinceStart).count();
+}
+
+} // namespace
+
+ShellCollectInfoMgr::ShellCollectInfoMgr()
+    : ShellCollectInfoMgr(&steadyNs)
+{
+}
+
+ShellCollectInfoMgr::ShellCollectInfoMgr(Clock clock)
+    : m_clock(std::move(clock))
+{
+}
+
+void ShellCollectInfoMgr::markOpenStarted()
+{
+    m_openStart = m_clock();
+}
+
+qint64 ShellCollectInfoMgr::openStartTime() const
+{
+    return m_openStart > 0 && m_clock() - m_openStart <= longestOpenNs ? m_openStart : 0;
+}
+
+void ShellCollectInfoMgr::reportDownloadProhibited()
+{
+    NCoreApplication* services = NCoreApplication::instance();
+    if (NDcInfoC* collection = services ? services->getDcInfo() : nullptr)
+        collection->postGeneralEvent(QStringLiteral("download_prohibited_open"), NDcFields(), 0, 0, 1, false);
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "nheliostat/NHelioApplication.h"
+
+#include <functional>
+
+/** Remembers when the last open was asked for, while it can still be under way. User-interface thread. */
+class ShellCollectInfoMgr final : public NHelioCloudCollectInfoMgr
+{
+public:
+    /** Answers monotonic nanoseconds. */
+    using Clock = std::function<qint64()>;
+
+    ShellCollectInfoMgr();
+    explicit ShellCollectInfoMgr(Clock clock);
+
+    /** The shell was asked to open something just now. */
+    void markOpenStarted();
+
+    /** 0 when no open was asked for within the last minute. */
+    qint64 openStartTime() const override;
+    void reportDownloadProhibited() override;
+
+private:
+    Clock m_clock;
+    qint64 m_openStart = 0;
+};

@@ -1,0 +1,52 @@
+#include "nheliostat/framework/ShellTab.h"
+
+ShellTab::ShellTab(NHelioAppPage* page, QObject* parent)
+    : NHelioTab(parent)
+    , m_key(page)
+    , m_page(page)
+    , m_subPage(page->initialSubPage())
+{
+    if (!m_subPage)
+        return;
+    connect(m_subPage, &NHelioSubPage::windowTitleChanged, this, &ShellTab::changed);
+    connect(m_subPage, &NHelioSubPage::iconChanged, this, &ShellTab::changed);
+    m_delegate = m_subPage->createTabDelegate(this);
+    if (m_delegate)
+        connect(m_delegate, &NHelioTabDelegate::iconChanged, this, &ShellTab::changed);
+}
+
+QString ShellTab::text() const
+{
+    const QString title = m_subPage ? m_subPage->windowTitle() : QString();
+    return title.isEmpty() && m_page ? m_page->pageTitle() : title;
+}
+
+QIcon ShellTab::icon(qreal devicePixelRatio) const
+{
+    return m_delegate ? m_delegate->getIcon(devicePixelRatio) : QIcon();
+}
+
+bool ShellTab::isClosable() const
+{
+    return !m_subPage || m_subPage->isClosable();
+}
+
+bool ShellTab::tryClose()
+{
+    return m_page && isClosable() && m_page->close();
+}
+
+void ShellTab::setAllowReAttachSubwindow(bool allow)
+{
+    m_allowReAttach = allow;
+}
+
+void ShellTab::reAttachSubPage(QWidget* window)
+{
+    if (!m_allowReAttach || !m_subPage)
+        return;
+    m_allowReAttach = false;
+    m_subPage->activate({}, true);
+    if (window)
+        window->close();
+}

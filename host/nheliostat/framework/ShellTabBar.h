@@ -1,0 +1,50 @@
+#pragma once
+
+#include "nheliostat/NHelioMainWindow.h"
+
+class QAction;
+class QMenu;
+class QTabBar;
+class QToolButton;
+class ShellCentralArea;
+class ShellTab;
+
+/** The tabs of a central area's pages, in the order of the pages, and a button for a new page. */
+class ShellTabBar final : public NHelioTabBar
+{
+    Q_OBJECT
+public:
+    /** Shows the pages of `area`, which is not owned and outlives the tab bar or is gone with all its pages.
+     */
+    explicit ShellTabBar(ShellCentralArea& area, QWidget* parent = nullptr);
+
+    NHelioTab* tabOf(NHelioSubPage* subPage) const override;
+    /** Closes the current page's tab unless it refuses. */
+    void closeCurrentTab();
+    /** Closes all tabs but this one; tabs that refuse stay. */
+    void closeOtherTabs(const ShellTab* tab);
+    void setDark(bool dark);
+    /** The menu of a tab, shown at `position` of the tab strip; null when there is no tab. Deleted when it
+     * closes. */
+    QMenu* popUpMenu(const QPoint& position);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+Q_SIGNALS:
+    void newPageRequested();
+
+private:
+    void onPageAdded(NHelioAppPage* page);
+    void onPageRemoved(NHelioAppPage* page);
+    void onCurrentPageChanged(NHelioAppPage* page);
+    void onTabSelected(int index);
+    void onTabMoved(int from, int to);
+    void onCloseRequested(int index);
+    int indexOf(const NHelioAppPage* page) const;
+    void draw(const ShellTab* tab);
+
+    ShellCentralArea& m_area;
+    QTabBar* m_strip;
+    QToolButton* m_newPage;
+    QVector<ShellTab*> m_tabs; //!< children, in the order of the strip
+};

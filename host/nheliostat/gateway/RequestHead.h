@@ -1,0 +1,92 @@
+#pragma once
+
+#include <boost/beast/http/basic_parser.hpp>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gateway {
+
+struct HeaderField
+{
+    boost::beast::http::field id = boost::beast::http::field::unknown;
+    std::string_view name;
+    std::string_view value;
+};
+
+/**
+ * Start line and fields of one message. The texts point into the head's own storage, so that they stay valid
+ * until the next `clear`, whatever happens to the buffer they were parsed from. Not copyable for that reason.
+ */
+class MessageHead
+{
+public:
+    MessageHead() = default;
+    MessageHead(const MessageHead&) = delete;
+    MessageHead& operator=(const MessageHead&) = delete;
+
+    /** Forgets everything and makes room for a head of at most `capacity` bytes. */
+    void reset(std::size_t capacity);
+    /** Copies `text` into the head's storage. */
+    std::string_view store(std::string_view text);
+
+    std::vector<HeaderField> fields;
+    unsigned version = 11; //!< 10 or 11
+
+private:
+    std::string m_storage;
+};
+
+class RequestHead : public MessageHead
+{
+public:
+    void reset(std::size_t capacity);
+    void addField(boost::beast::http::field id, std::string_view name, std::string_view value);
+
+    boost::beast::http::verb verb = boost::beast::http::verb::unknown;
+    std::string_view method;
+    std::string_view target;
+
+    // The fields that the gateway itself acts on.
+    std::string_view viewId;
+    std::string_view proxyAuthorization;
+    std::string_view ifNoneMatch;
+    std::string_view ifModifiedSince;
+    bool namesTransferCoding = false;
+    bool expectsContinue = false;
+    bool isNavigation = false;
+};
+
+/** Parses one request: the head into a RequestHead, then the body, decoded, into a text. */
+class RequestParser : public boost::beast::http::basic_parser<true>
+{
+public:
+    static constexpr std::uint32_t headLimit = 64 * 1024; //!< bytes
+
+    explicit RequestParser(RequestHead& head);
+    /** Where body bytes are appended from now on; nullptr drops them. */
+    void collectBody(std::string* body) { m_body = body; }
+
+private:
+    using string_view = boost::beast::string_view;
+    using error_code = boost::beast::error_code;
+
+    void on_request_impl(boost::beast::http::verb verb, string_view method, string_view target, int version,
+                         error_code& error) override;
+    void on_response_impl(int, string_view, int, error_code&) override {}
+    void on_field_impl(boost::beast::http::field id, string_view name, string_view value,
+                       error_code& error) override;
+    void on_header_impl(error_code& error) override;
+    void on_body_init_impl(const boost::optional<std::uint64_t>&, error_code&) override {}
+    std::size_t on_body_impl(string_view body, error_code& error) override;
+    void on_chunk_header_impl(std::uint64_t, string_view, error_code&) override {}
+    std::size_t on_chunk_body_impl(std::uint64_t remain, string_view body, error_code& error) override;
+    void on_finish_impl(error_code&) override {}
+
+    RequestHead& m_head;
+    std::string* m_body = nullptr;
+    bool m_headDone = false;
+};
+
+} // namespace gateway

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "gateway/Transport.h"
+
+#include <QtGlobal>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace gateway {
+
+/**
+ * Copies bytes both ways between two connections until both sides have ended or one has failed. A side that
+ * ends its sending leaves the other direction open. Holds at most one buffer per direction.
+ */
+class Tunnel : public TransportListener, public std::enable_shared_from_this<Tunnel>
+{
+public:
+    /** Called once, at the end, with the number of bytes that came from the server. */
+    using Done = std::function<void(qint64 bytesFromServer)>;
+
+    Tunnel(std::shared_ptr<Transport> browser, std::shared_ptr<Transport> server, Done done);
+
+    /** Begins with bytes that are already there for either side. */
+    void start(std::string toServer, std::string toBrowser);
+
+    void onReadable(Transport& transport) override;
+    void onWritable(Transport& transport) override;
+
+private:
+    struct Direction
+    {
+        std::shared_ptr<Transport> from;
+        std::shared_ptr<Transport> to;
+        std::string pending;
+        std::size_t written = 0;
+        qint64 received = 0;
+        bool sourceEnded = false;
+        bool endPassedOn = false;
+    };
+
+    void pump();
+    /** False when the tunnel must end. */
+    bool pump(Direction& direction);
+    bool flush(Direction& direction, bool& blocked);
+
+    std::array<Direction, 2> m_directions; //!< to the server, to the browser
+    Done m_done;
+};
+
+} // namespace gateway

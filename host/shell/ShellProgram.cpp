@@ -1,0 +1,195 @@
+#include "shell/ShellProgram.h"
+
+#include "shell/HeadlessDialogs.h"
+#include "shell/UserSession.h"
+#include "shell/control/ControlSession.h"
+#include "shell/pages/PageDirectory.h"
+#include "shell/pages/PageOpener.h"
+#include "shell/system/AddOnLibrary.h"
+
+#include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "nheliostat/browser/BrowserEnvironment.h"
+#include "nheliostat/framework/ShellApplication.h"
+#include "nheliostat/framework/ShellMainWindow.h"
+#include "nrt/NrtHost.h"
+#include "zeolite/NxLoggerLite.h"
+#include "zeolite/ZeoliteHost.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QUrl>
+
+#include <exception>
+#include <utility>
+
+namespace shell {
+
+namespace {
+
+constexpr QSize windowSize(1280, 800);
+
+QString installRoot()
+{
+    return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/.."));
+}
+
+QString libraryDirectory()
+{
+    return installRoot() + QStringLiteral("/lib");
+}
+
+nrt::host::Setup runtimeSetup(const HostFile& host, const QString& dataDir)
+{
+    nrt::host::Setup setup;
+    setup.dataDir = dataDir;
+    setup.installRoot = installRoot();
+    setup.libraryDir = libraryDirectory();
+    setup.productSwitches = host.productSwitches;
+    setup.features = host.features;
+    setup.settings = host.settings;
+    setup.applicationName = host.applicationName;
+    setup.applicationVersion = host.applicationVersion;
+    setup.channel = host.channel;
+    // Native requests connect where the gateway does.
+    for (auto entry = host.resolve.begin(); entry != host.resolve.end(); ++entry)
+        setup.productConfig.insert(QStringLiteral("resolve/") + entry.key(), entry.value());
+    return setup;
+}
+
+zeolite::Setup servicesSetup(const HostFile& host, const QString& dataDir)
+{
+    zeolite::Setup setup;
+    setup.dataDir = dataDir;
+    setup.logFile = dataDir + QStringLiteral("/shell.log");
+    setup.hostFile = host.path;
+    setup.domains = host.domains;
+    setup.mainDomain = host.mainDomain;
+    setup.documentsServiceHost = host.documentsServiceHost;
+    setup.intranet = host.intranet;
+    setup.capabilities = host.capabilities;
+    for (auto plugin = host.plugins.begin(); plugin != host.plugins.end(); ++plugin)
+        setup.plugins.insert(plugin.key(), {plugin->path, plugin->upgradePath});
+    return setup;
+}
+
+/** The user with directories of the shell's own where the host file names none. */
+HostUser withDirectories(HostUser user, const QString& dataDir)
+{
+    if (user.localDataDir.isEmpty())
+        user.localDataDir = dataDir + QStringLiteral("/packages");
+    if (user.cacheRoot.isEmpty())
+        user.cacheRoot = dataDir + QStringLiteral("/cache");
+    return user;
+}
+
+} // namespace
+
+void ShellProgram::prepareProcess(const CommandLine& line)
+{
+    nheliostat::browser::BrowserEnvironment::prepareProcess(line.headless);
+}
+
+ShellProgram::ShellProgram(Setup setup)
+    : m_setup(std::move(setup))
+{
+    m_setup.host.user = withDirectories(m_setup.host.user, m_setup.dataDir);
+    connect(&m_quitSignals, &QuitSignals::quitRequested, QCoreApplication::instance(),
+            &QCoreApplication::quit);
+}
+
+ShellProgram::~ShellProgram() = default;
+
+QString ShellProgram::start()
+{
+    startServices();
+    const QString browserError = startBrowser();
+    if (!browserError.isEmpty())
+        return browserError;
+    startWindows();
+    const QString addOnError = loadAddOn();
+    if (!addOnError.isEmpty())
+        return addOnError;
+    openFirstWindow();
+    return {};
+}
+
+void ShellProgram::startServices()
+{
+    nrt::host::configure(runtimeSetup(m_setup.host, m_setup.dataDir));
+    m_services = std::make_unique<ZeoliteHost>(servicesSetup(m_setup.host, m_setup.dataDir));
+    m_pages = std::make_unique<PageDirectory>();
+    if (m_setup.line.headless)
+        m_headlessDialogs = std::make_unique<HeadlessDialogs>();
+    if (m_setup.line.control)
+        m_control = std::make_unique<ControlSession>(std::move(m_setup.streams), *m_services, *m_pages);
+}
+
+QString ShellProgram::startBrowser()
+{
+    using nheliostat::browser::BrowserEnvironment;
+    BrowserEnvironment::Setup setup;
+    setup.scriptOrigins = m_setup.host.scriptOrigins();
+    setup.interceptedHosts = m_setup.host.interceptedHosts();
+    setup.resolve = m_setup.host.resolve;
+    setup.headless = m_setup.line.headless;
+    setup.startupPagesFile = m_setup.dataDir + QStringLiteral("/startup-pages.json");
+    try {
+        m_browser = std::make_unique<BrowserEnvironment>(setup);
+    } catch (const std::exception& error) {
+        return QStringLiteral("the browser cannot be started: %1").arg(QString::fromLocal8Bit(error.what()));
+    }
+    m_browser->setProtocolHandler([this](NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked) {
+        openProtocol(browser, url, marked);
+    });
+    return {};
+}
+
+void ShellProgram::startWindows()
+{
+    ShellApplication::Setup setup;
+    setup.user = toUserInfo(m_setup.host.user);
+    setup.translationsDir = installRoot() + QStringLiteral("/translations");
+    m_application = std::make_unique<ShellApplication>(setup);
+    connect(m_application.get(), &ShellApplication::pageAdded, m_pages.get(), &PageDirectory::onPageAdded);
+    connect(m_application.get(), &ShellApplication::pageRemoved, m_pages.get(),
+            &PageDirectory::onPageRemoved);
+    m_user = std::make_unique<UserSession>(m_setup.host.user, *m_application, *m_services);
+    m_opener = std::make_unique<PageOpener>(*m_application, *m_pages);
+    m_browser->setNewPageHandler([this](NHelioBrowserWidgetBase* opener, IHelioBrowserPageFactory* factory,
+                                        const QUrl& url) { m_opener->openForBrowser(opener, factory, url); });
+    if (m_control)
+        connectControl();
+}
+
+void ShellProgram::connectControl()
+{
+    connect(m_browser.get(), &nheliostat::browser::BrowserEnvironment::requestFinished,
+            &m_control->notifications(), &HostNotifications::onRequestFinished);
+    connect(m_control.get(), &ControlSession::ended, QCoreApplication::instance(), &QCoreApplication::quit);
+    m_control->serve(*m_application, *m_user);
+}
+
+QString ShellProgram::loadAddOn()
+{
+    const QString error = loadAddOnLibrary(libraryDirectory(), QStringLiteral("skyleaf"));
+    return error.isEmpty() ? error : QStringLiteral("the documents add-on cannot be loaded: %1").arg(error);
+}
+
+void ShellProgram::openFirstWindow()
+{
+    ShellMainWindow* window = m_application->openMainWindow();
+    window->resize(windowSize);
+    window->show();
+    if (m_setup.line.text || !m_setup.line.control)
+        m_opener->openDocumentsPage(*window, m_setup.line.text.value_or(QString()));
+}
+
+void ShellProgram::openProtocol(NHelioBrowserWidgetBase*, const QUrl& url, bool)
+{
+    if (m_setup.line.headless || !QDesktopServices::openUrl(url))
+        NxLoggerLite::writeWarning(QStringLiteral("shell"),
+                                   QStringLiteral("no program for %1").arg(url.toDisplayString()));
+}
+
+} // namespace shell

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "shell/config/CommandLine.h"
+#include "shell/config/HostFile.h"
+#include "shell/system/QuitSignals.h"
+#include "shell/system/StandardStreams.h"
+
+#include <QObject>
+
+#include <memory>
+
+class NHelioBrowserWidgetBase;
+class QUrl;
+class ShellApplication;
+class ZeoliteHost;
+
+namespace nheliostat::browser {
+class BrowserEnvironment;
+}
+
+namespace shell {
+
+class ControlSession;
+class HeadlessDialogs;
+class PageDirectory;
+class PageOpener;
+class UserSession;
+
+/** The running shell: starts its parts in the order of their dependence and ends them in the reverse one. */
+class ShellProgram final : public QObject
+{
+    Q_OBJECT
+public:
+    struct Setup
+    {
+        CommandLine line;
+        HostFile host;
+        QString dataDir;        //!< exists
+        ControlStreams streams; //!< used with --control
+    };
+
+    /** Before the QApplication is made. */
+    static void prepareProcess(const CommandLine& line);
+
+    /** Needs the QApplication. */
+    explicit ShellProgram(Setup setup);
+    ~ShellProgram() override;
+
+    /** Empty when the shell stands, else what could not be started. */
+    QString start();
+
+private:
+    void startServices();
+    QString startBrowser();
+    void startWindows();
+    QString loadAddOn();
+    void openFirstWindow();
+    void connectControl();
+    void openProtocol(NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked);
+
+    Setup m_setup;
+    // Destroyed from the last to the first: pages, browser environment, control, services. The add-on stays
+    // loaded.
+    QuitSignals m_quitSignals;
+    std::unique_ptr<ZeoliteHost> m_services;
+    std::unique_ptr<HeadlessDialogs> m_headlessDialogs;
+    std::unique_ptr<PageDirectory> m_pages;
+    std::unique_ptr<ControlSession> m_control;
+    std::unique_ptr<nheliostat::browser::BrowserEnvironment> m_browser;
+    std::unique_ptr<UserSession> m_user;
+    std::unique_ptr<PageOpener> m_opener;
+    std::unique_ptr<ShellApplication> m_application;
+};
+
+} // namespace shell

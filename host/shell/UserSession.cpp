@@ -1,0 +1,65 @@
+#include "shell/UserSession.h"
+
+#include "shell/config/UserMembers.h"
+
+#include "nheliostat/framework/ShellApplication.h"
+#include "zeolite/NxLoggerLite.h"
+#include "zeolite/ZeoliteHost.h"
+
+#include <utility>
+
+namespace shell {
+
+namespace {
+
+HostUser toHostUser(const NHelioUserInfo& info)
+{
+    return {info.userId, info.loggedIn, info.sessionKey, info.cookies, info.localDataDir, info.cacheRoot};
+}
+
+} // namespace
+
+NHelioUserInfo toUserInfo(const HostUser& user)
+{
+    return {user.userId, user.loggedIn, user.sessionKey, user.cookies, user.localDataDir, user.cacheRoot};
+}
+
+UserSession::UserSession(HostUser user, ShellApplication& application, ZeoliteHost& services, QObject* parent)
+    : QObject(parent)
+    , m_deployed(std::move(user))
+    , m_application(application)
+    , m_services(services)
+{
+    m_services.dataCollection().setUserId(m_deployed.loggedIn ? m_deployed.userId : QString());
+    connect(&m_application, &ShellApplication::loginRequested, this, &UserSession::signIn);
+}
+
+QString UserSession::merge(const QJsonObject& members)
+{
+    // What the application holds is what counts: a script may have signed the user out.
+    HostUser user = toHostUser(m_application.user());
+    QString error = mergeUser(members, user);
+    if (error.isEmpty())
+        setUser(user);
+    return error;
+}
+
+void UserSession::signIn()
+{
+    if (m_deployed.userId.isEmpty()) {
+        NxLoggerLite::writeWarning(QStringLiteral("shell"),
+                                   QStringLiteral("nobody to sign in: the host file names no user"));
+        return;
+    }
+    HostUser user = m_deployed;
+    user.loggedIn = true;
+    setUser(user);
+}
+
+void UserSession::setUser(const HostUser& user)
+{
+    m_services.dataCollection().setUserId(user.loggedIn ? user.userId : QString());
+    m_application.setUser(toUserInfo(user));
+}
+
+} // namespace shell

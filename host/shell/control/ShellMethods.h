@@ -1,0 +1,32 @@
+#pragma once
+
+#include "shell/control/RpcMethod.h"
+
+class ShellApplication;
+class ZeoliteHost;
+
+namespace shell {
+
+class PageDirectory;
+class UserSession;
+
+/** The control methods that deal with the shell as a whole and with the deployment it runs in. */
+class ShellMethods
+{
+public:
+    ShellMethods(ShellApplication& application, PageDirectory& pages, ZeoliteHost& services,
+                 UserSession& user);
+
+    QVector<rpc::Method> methods();
+
+private:
+    rpc::Outcome setConfig(const QJsonObject& params);
+    rpc::Outcome setUser(const QJsonObject& params);
+
+    ShellApplication& m_application;
+    PageDirectory& m_pages;
+    ZeoliteHost& m_services;
+    UserSession& m_user;
+};
+
+} // namespace shell

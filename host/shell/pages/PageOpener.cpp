@@ -1,0 +1,50 @@
+#include "shell/pages/PageOpener.h"
+
+#include "shell/pages/PageDirectory.h"
+
+#include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "nheliostat/NHelioMainWindow.h"
+#include "nheliostat/framework/ShellApplication.h"
+#include "nheliostat/framework/ShellMainWindow.h"
+
+#include <QPointer>
+#include <QUrl>
+
+namespace shell {
+
+PageOpener::PageOpener(ShellApplication& application, PageDirectory& pages, QObject* parent)
+    : QObject(parent)
+    , m_application(application)
+    , m_pages(pages)
+{
+    m_application.setNewPageHandler(
+        [this](ShellMainWindow& window) { openDocumentsPage(window, QString()); });
+}
+
+void PageOpener::openDocumentsPage(ShellMainWindow& window, const QString& text)
+{
+    if (NHelioAppPage* page = m_application.openDocumentsPage(window, text))
+        m_pages.markLoadAsked(page);
+}
+
+void PageOpener::openForBrowser(NHelioBrowserWidgetBase* opener, IHelioBrowserPageFactory* factory,
+                                const QUrl& url)
+{
+    NHelioMainWindow* window = m_application.findRelativeHelioMainWindow(opener);
+    const QPointer<NHelioAppPage> page = window && factory ? factory->createPage() : nullptr;
+    if (!page)
+        return m_application.openUrl(url.toString(), opener);
+
+    m_application.collectInfo().markOpenStarted();
+    window->centralArea()->addPage(page);
+    if (page)
+        page->notify(url.toString(QUrl::FullyEncoded));
+    if (page)
+        window->centralArea()->setCurrentPage(page);
+    if (!page)
+        return;
+    m_pages.markLoadAsked(page);
+    page->load();
+}
+
+} // namespace shell

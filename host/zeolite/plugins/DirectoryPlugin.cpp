@@ -1,0 +1,71 @@
+#include "zeolite/plugins/DirectoryPlugin.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace {
+
+constexpr qint64 longestVersion = 4096;
+
+/** Empty when the directory is missing or not complete. */
+QString versionOf(const QString& directory)
+{
+    if (directory.isEmpty())
+        return {};
+    QFile file(QDir(directory).filePath(QStringLiteral("version")));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.read(longestVersion)).trimmed();
+}
+
+} // namespace
+
+DirectoryPlugin::DirectoryPlugin(QString name, QString directory)
+    : m_name(std::move(name))
+    , m_directory(std::move(directory))
+{
+}
+
+QString DirectoryPlugin::name() const
+{
+    return m_name;
+}
+
+int DirectoryPlugin::load(int priority, int options)
+{
+    Q_UNUSED(priority)
+    Q_UNUSED(options)
+    m_version = versionOf(m_directory);
+    m_state = m_version.isEmpty() ? LoadFailed : Loaded;
+    QMetaObject::invokeMethod(this, m_state == Loaded ? &NPlugin::loadSuccess : &NPlugin::loadFailed,
+                              Qt::QueuedConnection);
+    return m_state;
+}
+
+NPlugin::State DirectoryPlugin::state() const
+{
+    return m_state;
+}
+
+QString DirectoryPlugin::localPath() const
+{
+    return m_state == Loaded ? m_directory : QString();
+}
+
+QVariant DirectoryPlugin::getProp(const QString& name) const
+{
+    const bool known = m_state == Loaded && name == QLatin1String("version");
+    return known ? QVariant(m_version) : QVariant();
+}
+
+void DirectoryPlugin::setDirectory(const QString& directory)
+{
+    m_directory = directory;
+    rescan();
+}
+
+void DirectoryPlugin::rescan()
+{
+    if (m_state != NotLoaded)
+        load();
+}
