@@ -2,6 +2,18 @@
 
 #include <QVBoxLayout>
 
+QByteArray sampleText(int size)
+{
+    const QByteArray line =
+        QByteArrayLiteral("<p class=\"line\">A \"quoted\" word, \xe6\x96\x87\xe6\xa1\xa3.</p>\n");
+    return line.repeated(size / line.size() + 1);
+}
+
+QString BareEcho::produce(int size) const
+{
+    return QString::fromUtf8(sampleText(size));
+}
+
 BarePage::BarePage(QWidget* parent)
     : QObject(parent)
 {

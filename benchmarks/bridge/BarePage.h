@@ -5,13 +5,17 @@
 #include <QWebChannel>
 #include <QWebEngineView>
 
+/** Text as documents hold it, with quotes, markup and letters of two alphabets; `size` UTF-8 bytes, a little
+ * more. */
+QByteArray sampleText(int size);
+
 /** The plainest object on a channel. */
 class BareEcho final : public QObject
 {
     Q_OBJECT
 public:
     Q_INVOKABLE QString ping(const QString& text) const { return text; }
-    Q_INVOKABLE QString produce(int size) const { return QString(size, QLatin1Char('x')); }
+    Q_INVOKABLE QString produce(int size) const;
 };
 
 /** A web view with nothing but a QWebChannel on it: what the script object is measured against. */

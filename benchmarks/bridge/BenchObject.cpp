@@ -1,5 +1,7 @@
 #include "BenchObject.h"
 
+#include "BarePage.h"
+
 void BenchObject::ping(NxWebViewJSContext& context)
 {
     context.reply()["text"] = context.getValue(QStringLiteral("text")).toString().toStdString();
@@ -7,5 +9,5 @@ void BenchObject::ping(NxWebViewJSContext& context)
 
 void BenchObject::produce(NxWebViewJSContext& context)
 {
-    context.reply()["text"] = std::string(context.getValue(QStringLiteral("size")).toUInt(), 'x');
+    context.reply()["text"] = sampleText(context.getValue(QStringLiteral("size")).toInt()).toStdString();
 }

@@ -57,7 +57,7 @@ BridgeBench::BridgeBench(nheliostat::browser::BrowserEnvironment& environment, i
         int count;
         QString method;
         int size;
-    } kinds[] = {{QStringLiteral("trivial"), 300, QStringLiteral("ping"), 0},
+    } kinds[] = {{QStringLiteral("trivial"), 1000, QStringLiteral("ping"), 0},
                  {QStringLiteral("reply1MiB"), 5, QStringLiteral("produce"), 1 << 20},
                  {QStringLiteral("reply16MiB"), 1, QStringLiteral("produce"), 16 << 20}};
     const QString inFlightCode = QStringLiteral(

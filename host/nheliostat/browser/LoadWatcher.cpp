@@ -14,6 +14,18 @@ namespace {
 
 constexpr int badGateway = 502;
 
+/** The record of a request may come a little later than the end of the load. */
+constexpr int recordWaitMs = 500;
+
+std::optional<NetError> errorOf(const GatewayRequestRecord& record)
+{
+    if (record.status != badGateway || record.by == GatewayRequestRecord::AnsweredBy::Local)
+        return {};
+    const bool isRefused = record.by == GatewayRequestRecord::AnsweredBy::Refused;
+    return netErrorFromText(isRefused ? QStringLiteral("ERR_EMPTY_RESPONSE")
+                                      : QStringLiteral("ERR_CONNECTION_FAILED"));
+}
+
 } // namespace
 
 LoadWatcher::LoadWatcher(QWebEnginePage& page, QObject* parent)
@@ -22,28 +34,28 @@ LoadWatcher::LoadWatcher(QWebEnginePage& page, QObject* parent)
 {
     connect(&page, &QWebEnginePage::loadStarted, this, &LoadWatcher::begin);
     connect(&page, &QWebEnginePage::loadFinished, this, &LoadWatcher::finish);
+    m_recordWait.setSingleShot(true);
+    m_recordWait.setInterval(recordWaitMs);
+    connect(&m_recordWait, &QTimer::timeout, this, &LoadWatcher::judgeStatusDocument);
 }
 
 void LoadWatcher::noteRequest(const GatewayRequestRecord& record)
 {
-    if (record.status != badGateway || record.by == GatewayRequestRecord::AnsweredBy::Local)
-        return;
-    m_failedUrl = record.url;
-    m_gatewayError = record.by == GatewayRequestRecord::AnsweredBy::Refused
-                         ? netErrorFromText(QStringLiteral("ERR_EMPTY_RESPONSE"))
-                         : netErrorFromText(QStringLiteral("ERR_CONNECTION_FAILED"));
+    m_recorded.insert(record.url, errorOf(record));
+    if (m_recordWait.isActive() && hasRecord())
+        judgeStatusDocument();
 }
 
 void LoadWatcher::forgetLoad()
 {
     ++m_load;
+    m_recordWait.stop();
 }
 
 void LoadWatcher::begin()
 {
-    ++m_load;
-    m_failedUrl.clear();
-    m_gatewayError.reset();
+    forgetLoad();
+    m_recorded.clear();
 }
 
 void LoadWatcher::finish(bool ok)
@@ -76,11 +88,28 @@ void LoadWatcher::judge(const QVariantMap& shown)
         Q_EMIT abandoned();
         return;
     }
-    const QUrl url = m_page.requestedUrl();
-    if (shown.value(QStringLiteral("isErrorPage")).toBool())
-        Q_EMIT failed(url, netErrorFromText(shown.value(QStringLiteral("error")).toString()));
-    else if (m_gatewayError && m_failedUrl == url.adjusted(QUrl::RemoveFragment))
-        Q_EMIT failed(url, *m_gatewayError);
+    if (shown.value(QStringLiteral("isErrorPage")).toBool()) {
+        Q_EMIT failed(m_page.requestedUrl(),
+                      netErrorFromText(shown.value(QStringLiteral("error")).toString()));
+        Q_EMIT ended(false);
+    } else if (hasRecord()) {
+        judgeStatusDocument();
+    } else {
+        m_recordWait.start();
+    }
+}
+
+bool LoadWatcher::hasRecord() const
+{
+    return m_recorded.contains(m_page.url().adjusted(QUrl::RemoveFragment));
+}
+
+void LoadWatcher::judgeStatusDocument()
+{
+    m_recordWait.stop();
+    const std::optional<NetError> error = m_recorded.value(m_page.url().adjusted(QUrl::RemoveFragment));
+    if (error)
+        Q_EMIT failed(m_page.requestedUrl(), *error);
     Q_EMIT ended(false);
 }
 

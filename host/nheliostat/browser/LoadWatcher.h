@@ -2,7 +2,9 @@
 
 #include "nheliostat/browser/NetErrors.h"
 
+#include <QHash>
 #include <QObject>
+#include <QTimer>
 #include <QUrl>
 
 #include <optional>
@@ -43,12 +45,14 @@ private:
     void finish(bool ok);
     void judge(const QVariantMap& shown);
     void learn(const QVariantMap& shown);
+    bool hasRecord() const;
+    void judgeStatusDocument();
 
     QWebEnginePage& m_page;
     double m_shownSince = 0; //!< when the document that is shown began, as it says itself
     int m_load = 0;
-    QUrl m_failedUrl; //!< the URL that the gateway could not get
-    std::optional<NetError> m_gatewayError;
+    QHash<QUrl, std::optional<NetError>> m_recorded; //!< the load's requests; with the error of those not got
+    QTimer m_recordWait; //!< runs while a document with an error status waits for its request's record
 };
 
 } // namespace nheliostat::browser

@@ -24,7 +24,7 @@ function randomText(words) {
   return Array.from(crypto.getRandomValues(new Uint32Array(words)), (word) => word.toString(36)).join('');
 }
 
-const token = randomText(8);
+const token = randomText(5);
 const callPrefix = `${randomText(2)}-`;
 
 const fetchUrl = window.fetch.bind(window);
@@ -47,7 +47,8 @@ function send(message) {
 }
 
 function fetchLarge(url) {
-  return fetchUrl(url, { cache: 'no-store', credentials: 'omit' }).then((response) => {
+  // With credentials, although none are needed: without, the browser would use connections of their own.
+  return fetchUrl(url, { cache: 'no-store', credentials: 'same-origin' }).then((response) => {
     if (!response.ok) {
       throw new Error(`status ${response.status}`);
     }
