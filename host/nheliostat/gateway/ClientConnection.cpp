@@ -76,7 +76,6 @@ void ClientConnection::endPending(const std::string& viewId)
 {
     if (m_state != State::AwaitingHandler || m_pendingView != viewId)
         return;
-    ++m_serial;
     refuse({502, "the view was closed"});
     readRequests();
 }

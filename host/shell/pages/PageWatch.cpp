@@ -1,11 +1,8 @@
 #include "shell/pages/PageWatch.h"
 
-#include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
-#include "nheliostat/NHelioScriptIpcEvent.h"
 #include "nheliostat/NHelioSubPage.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 
 namespace shell {
@@ -47,7 +44,6 @@ void PageWatch::findBrowser()
     m_browser = browser;
     connect(browser, &NHelioBrowserWidgetBase::loadFinished, this, &PageWatch::onLoadFinished);
     connect(browser, &NHelioBrowserWidgetBase::webFileReady, this, &PageWatch::onWebFileReady);
-    connect(browser, &NHelioBrowserWidgetBase::cefProcessAbort, this, &PageWatch::onBrowserException);
 }
 
 void PageWatch::onTitleChanged()
@@ -63,13 +59,6 @@ void PageWatch::onLoadFinished()
 void PageWatch::onWebFileReady()
 {
     Q_EMIT happened(m_id, QStringLiteral("webFileReady"));
-}
-
-void PageWatch::onBrowserException()
-{
-    const NHelioApplication* application = NHelioApplication::instance();
-    if (QObject* hub = application ? application->scriptIpcEventHub() : nullptr)
-        QCoreApplication::postEvent(hub, new NHelioScriptIpcEvent(NHelioScriptIpcEvent::browserException));
 }
 
 } // namespace shell

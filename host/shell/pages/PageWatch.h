@@ -37,8 +37,6 @@ private:
     void onTitleChanged();
     void onLoadFinished();
     void onWebFileReady();
-    /** Tells the modules that a browser ended abnormally. */
-    void onBrowserException();
 
     int m_id;
     QPointer<NHelioAppPage> m_page;

@@ -45,7 +45,6 @@ public:
     QPointer<NxWebViewContainer> container;
     std::unique_ptr<NxJSApiEventHandler> eventHandler;
     ScriptMethods methods;
-    ReplyWriter replyWriter;
 };
 
 NxWebViewAsynJSObject::NxWebViewAsynJSObject(NxWebViewContainer* container, QObject* parent)
@@ -130,7 +129,7 @@ void NxWebViewAsynJSObject::publishResult(const NxWebViewJSContext& context)
 
     const bool isDefault = context.reply().empty() && context.defaultPublishResult();
     const QByteArray json =
-        isDefault ? QByteArrayLiteral("{\"callstatus\":\"ok\"}") : d->replyWriter.write(context.reply());
+        isDefault ? QByteArrayLiteral("{\"callstatus\":\"ok\"}") : writeReply(context.reply());
     INxScriptTransport& transport = d->container->scriptTransport();
     if (isCall)
         transport.resolveCall(context.callback(), json);

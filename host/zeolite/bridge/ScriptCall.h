@@ -7,7 +7,7 @@
 struct ScriptCall
 {
     /** The longest call text that is taken, in characters. */
-    static constexpr int longestText = 8 * 1024 * 1024;
+    static constexpr int longestText = 64 * 1024 * 1024;
 
     QString id; //!< also set in a malformed call whose id could be read
     QString name;

@@ -2,6 +2,7 @@
 #include "BrowserFixture.h"
 #include "EchoServer.h"
 
+#include "support/LogRecorder.h"
 #include "zeolite/NxWebViewContainer.h"
 
 #include <QDropEvent>
@@ -133,15 +134,20 @@ TEST_F(BrowserTest, AsksBeforeItNavigates)
 
     // A download is a navigation that comes to nothing: the document and its script object stay as they are.
     isStopped = false;
-    echoServer().requestLines.clear();
+    QSignalSpy finished(browser, &NHelioBrowserWidgetBase::loadFinished);
+    const LogRecorder log;
     evaluate(text("document.getElementById('file').click()"));
-    ASSERT_TRUE(waitFor([] { return !echoServer().requestLines.isEmpty(); }));
+    const auto isCancelled = [&log] { return !log.lines().filter(text("download cancelled")).isEmpty(); };
+    ASSERT_TRUE(waitFor(isCancelled));
     EXPECT_EQ(evaluate(text("return (await helio.call('measure', {text: 'abc'})).length")).toInt(), 3);
     EXPECT_EQ(browser->currentUrl(), docs("/"));
+    browser->load(QUrl(text("http://echo.test/a.bin")));
+    EXPECT_TRUE(waitFor([&] { return browser->currentUrl() == docs("/"); }));
 
-    QSignalSpy finished(browser, &NHelioBrowserWidgetBase::loadFinished);
     evaluate(text("document.getElementById('plain').click()"));
-    ASSERT_TRUE(waitFor([&] { return browser->title() == text("Next"); }));
+    ASSERT_TRUE(waitFor([&] { return !finished.isEmpty(); }));
+    EXPECT_TRUE(finished[0][0].toBool()) << "a download is no load that ended";
+    EXPECT_EQ(browser->title(), text("Next"));
     environment().setNewPageHandler({});
     environment().setProtocolHandler({});
 }

@@ -222,13 +222,24 @@ TEST_F(GatewayHandlers, ClosingTheViewEndsItsWaitingRequests)
 {
     HeldCallbacks held;
     add(held.handler());
-    ProxyClient browser = client();
-    browser.send("GET", url);
+    ProxyClient browser(*m_gateway); // names a view per request
+    const auto viewLine = [](const QByteArray& view) {
+        return std::string(RequestGateway::viewHeader) + ": " + view.toStdString() + "\r\n";
+    };
+    browser.send("GET", url, viewLine(m_view));
     auto callback = held.take();
     m_gateway->closeView(m_view);
     EXPECT_EQ(browser.receive().result_int(), 502u);
+
+    // The answer to the ended request must not become that of the next one on the connection.
+    HeldCallbacks heldNext;
+    const QByteArray next = m_gateway->openView();
+    m_gateway->addHandlers(next, {{prefix, heldNext.handler()}});
+    browser.send("GET", url, viewLine(next));
+    auto nextCallback = heldNext.take();
     callback->complete(bodyOnly("too late"));
-    EXPECT_EQ(browser.get(url).body(), "network");
+    nextCallback->complete(bodyOnly("in time"));
+    EXPECT_EQ(browser.receive().body(), "in time");
 }
 
 TEST_F(GatewayHandlers, BrowserMayLeaveBeforeTheAnswer)
