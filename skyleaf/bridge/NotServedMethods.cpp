@@ -1,8 +1,21 @@
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 
+#include "zeolite/NxLoggerLite.h"
 #include "zeolite/NxWebViewJSContext.h"
 
 // The script methods that are not served yet: each says so to the page instead of pretending a success.
+
+namespace {
+
+/** Some methods leave a trace of every call: the qualified name and the source line. */
+void traceEntry(const char* method, int line)
+{
+    NxLoggerLite::writeInfo(
+        QStringLiteral("NHelioCloudDocsAsynJsObj"),
+        QStringLiteral("<NHelioCloudDocsAsynJsObj::%1#%2>").arg(QLatin1String(method)).arg(line));
+}
+
+} // namespace
 
 #define SKYLEAF_ANSWER_NOT_SERVED(method)                                                                    \
     void NHelioCloudDocsAsynJsObj::method(NxWebViewJSContext& context)                                       \
@@ -17,8 +30,6 @@ SKYLEAF_ANSWER_NOT_SERVED(tavaLogin)
 SKYLEAF_ANSWER_NOT_SERVED(tavaLogout)
 SKYLEAF_ANSWER_NOT_SERVED(tavaCheckLogined)
 SKYLEAF_ANSWER_NOT_SERVED(tavaOpenVipUrl)
-SKYLEAF_ANSWER_NOT_SERVED(openFile)
-SKYLEAF_ANSWER_NOT_SERVED(openFileEx)
 SKYLEAF_ANSWER_NOT_SERVED(openFileByCloud)
 SKYLEAF_ANSWER_NOT_SERVED(gotoH5Page)
 SKYLEAF_ANSWER_NOT_SERVED(openProcessOnFile)
@@ -33,8 +44,6 @@ SKYLEAF_ANSWER_NOT_SERVED(showVipUpgradeDialog)
 SKYLEAF_ANSWER_NOT_SERVED(upgradeVip)
 SKYLEAF_ANSWER_NOT_SERVED(showUserSecureIdentityDialog)
 SKYLEAF_ANSWER_NOT_SERVED(openDocsOnlineFile)
-SKYLEAF_ANSWER_NOT_SERVED(isSupportSendFile)
-SKYLEAF_ANSWER_NOT_SERVED(sendFile)
 SKYLEAF_ANSWER_NOT_SERVED(showNetDetect)
 SKYLEAF_ANSWER_NOT_SERVED(openVirtualCloudDisk)
 SKYLEAF_ANSWER_NOT_SERVED(callFileUploader)
@@ -50,6 +59,21 @@ SKYLEAF_ANSWER_NOT_SERVED(isSupportParallelCloseCollaboration)
 SKYLEAF_ANSWER_NOT_SERVED(notifyCloseCooperationResult)
 
 #undef SKYLEAF_ANSWER_NOT_SERVED
+
+#define SKYLEAF_TRACE_AND_ANSWER_NOT_SERVED(method)                                                          \
+    void NHelioCloudDocsAsynJsObj::method(NxWebViewJSContext& context)                                       \
+    {                                                                                                        \
+        traceEntry(#method, __LINE__);                                                                       \
+        setReplyStatus(context, false,                                                                       \
+                       QStringLiteral("%1 is not available yet").arg(QStringLiteral(#method)));              \
+    }
+
+SKYLEAF_TRACE_AND_ANSWER_NOT_SERVED(openFile)
+SKYLEAF_TRACE_AND_ANSWER_NOT_SERVED(openFileEx)
+SKYLEAF_TRACE_AND_ANSWER_NOT_SERVED(isSupportSendFile)
+SKYLEAF_TRACE_AND_ANSWER_NOT_SERVED(sendFile)
+
+#undef SKYLEAF_TRACE_AND_ANSWER_NOT_SERVED
 
 // Transfers, sending and stopped collaborations have nothing to report while their methods are not served.
 

@@ -1,6 +1,27 @@
 #include "page/NxCloudDocsTabDelegate.h"
 
 #include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "zeolite/NxLoggerLite.h"
+
+namespace {
+
+QString getOnLineSuffix(const QString& suffix)
+{
+    if (suffix.isEmpty()) {
+        NxLoggerLite::writeInfo(QStringLiteral("skylaef"),
+                                QStringLiteral("%1, suffix is empty")
+                                    .arg(QStringLiteral("`anonymous-namespace'::getOnLineSuffix")));
+    }
+    return suffix;
+}
+
+bool isAlive(const NHelioPage* page)
+{
+    const auto* appPage = qobject_cast<const NHelioAppPage*>(page);
+    return appPage && appPage->isAlive();
+}
+
+} // namespace
 
 NxCloudDocsTabDelegate::NxCloudDocsTabDelegate(QObject* parent, NHelioBrowserWidgetBase* browser,
                                                NHelioPage* page)
@@ -11,7 +32,11 @@ NxCloudDocsTabDelegate::NxCloudDocsTabDelegate(QObject* parent, NHelioBrowserWid
 
 QIcon NxCloudDocsTabDelegate::getIcon(qreal devicePixelRatio) const
 {
-    const QIcon icon = NHelioBrowserTabDelegate::getIcon(devicePixelRatio);
+    QIcon icon;
+    if (isAlive(m_page) && m_page->property("suffix").isValid())
+        icon = helioFileIcon(getOnLineSuffix(m_page->property("suffix").toString()));
+    if (icon.isNull())
+        icon = NHelioBrowserTabDelegate::getIcon(devicePixelRatio);
     if (!icon.isNull())
         return icon;
     if (m_defaultIcon.isNull())

@@ -1,9 +1,11 @@
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 
+#include "support/LogRecorder.h"
 #include "support/ShellFixture.h"
 #include "zeolite/NxJSApiEventHandler.h"
 
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QSignalSpy>
 
 namespace {
@@ -28,7 +30,8 @@ protected:
     {
         container.transport.resolved.clear();
         container.transport.rejected.clear();
-        bridge->fromJSAsynCall(QStringLiteral("{\"id\":\"c%1\",\"name\":\"%2\",\"args\":{}}").arg(++calls).arg(name));
+        bridge->fromJSAsynCall(
+            QStringLiteral("{\"id\":\"c%1\",\"name\":\"%2\",\"args\":{}}").arg(++calls).arg(name));
         if (container.transport.resolved.empty())
             return {};
         return QJsonDocument::fromJson(container.transport.resolved.front().json).object();
@@ -42,7 +45,8 @@ protected:
 
 TEST_F(CloudDocsBridge, AnswersItsVersion)
 {
-    EXPECT_EQ(call(s("clouddocsApiVersion")), (QJsonObject{{s("callstatus"), s("ok")}, {s("version"), s("1.0.0")}}));
+    EXPECT_EQ(call(s("clouddocsApiVersion")),
+              (QJsonObject{{s("callstatus"), s("ok")}, {s("version"), s("1.0.0")}}));
 }
 
 TEST_F(CloudDocsBridge, SomeMethodsOnlyRaiseSignals)
@@ -51,8 +55,8 @@ TEST_F(CloudDocsBridge, SomeMethodsOnlyRaiseSignals)
     QSignalSpy offline(bridge, &NHelioCloudDocsAsynJsObj::sigShowOfflinePage);
     QSignalSpy home(bridge, &NHelioCloudDocsAsynJsObj::sigGotoHomepage);
     QSignalSpy closed(bridge, &NHelioCloudDocsAsynJsObj::sigClose);
-    for (const char* name : {"jsReload", "jsReloadCef", "showOfflinePage", "gotoHomepage", "closeDialog", "resize",
-                             "loginStateChanged"}) {
+    for (const char* name : {"jsReload", "jsReloadCef", "showOfflinePage", "gotoHomepage", "closeDialog",
+                             "resize", "loginStateChanged"}) {
         EXPECT_TRUE(call(s(name)).isEmpty()) << name;
         EXPECT_TRUE(container.transport.rejected.empty()) << name;
     }
@@ -64,12 +68,19 @@ TEST_F(CloudDocsBridge, SomeMethodsOnlyRaiseSignals)
 
 TEST_F(CloudDocsBridge, MethodsThatAreNotServedSaySo)
 {
+    const LogRecorder log;
     for (const char* name : {"openFile", "getClipboardData", "tavaLogin", "checkNetwork", "callFileUploader",
                              "notifyCloseCooperationResult", "sendFile", "getRoamingMode"}) {
         const QJsonObject reply = call(s(name));
         EXPECT_EQ(reply.value(s("callstatus")).toString(), s("error")) << name;
         EXPECT_EQ(reply.value(s("errormsg")).toString(), s(name) + s(" is not available yet"));
     }
+    EXPECT_TRUE(log.lines()
+                    .join(QLatin1Char('\n'))
+                    .contains(QRegularExpression(
+                        s("info \\[NHelioCloudDocsAsynJsObj\\] <NHelioCloudDocsAsynJsObj::sendFile#\\d+>"),
+                        QRegularExpression::CaseInsensitiveOption)))
+        << log.lines().join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(call(s("docs.print.printFileByZeo")).value(s("resultStatus")).toString(), s("failed"));
     EXPECT_FALSE(call(s("docs.sorrel.generateTaskId")).value(s("success")).toBool(true));
 }
@@ -91,8 +102,8 @@ TEST_F(CloudDocsBridge, HandlersDependOnBrowserAndSwitch)
 
 TEST_F(CloudDocsBridge, OtherSlotsAreNoMethods)
 {
-    for (const char* name : {"onSendFile", "onLoadFinished", "deleteLater", "setPage", "login", "docs.print.deleteLater",
-                             "docs.nothing.at", "sigReload"}) {
+    for (const char* name : {"onSendFile", "onLoadFinished", "deleteLater", "setPage", "login",
+                             "docs.print.deleteLater", "docs.nothing.at", "sigReload"}) {
         EXPECT_TRUE(call(s(name)).isEmpty()) << name;
         ASSERT_EQ(container.transport.rejected.size(), 1U) << name;
     }

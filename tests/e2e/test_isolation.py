@@ -13,14 +13,13 @@ class IsolationTest(EndToEndCase):
     def test_foreign_origin_has_no_script_object(self):
         page = self.open(self.shell)
         self.assertEqual(self.shell.evaluate(page, "return typeof window.helio.call"), "function")
-        since = self.shell.mark()
         self.shell.evaluate(page, """
             const link = document.createElement('a');
             link.href = 'http://foreign.skyleaf.test/';
             document.body.append(link);
             setTimeout(() => link.click(), 0);
             return 1""")
-        self.shell.wait_for_page(page, "loadFinished", since=since)
+        self.wait_for_url(self.shell, page, "foreign.")
         found = self.shell.evaluate(page, """
             return [location.host, typeof window.helio, typeof window.QWebChannel]""")
         self.assertEqual(found, ["foreign.skyleaf.test", "undefined", "undefined"])

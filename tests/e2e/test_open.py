@@ -43,6 +43,9 @@ class OpenTest(EndToEndCase):
             self.shell.evaluate(page, "return await helio.call('clouddocsApiVersion')"),
             {"callstatus": "ok", "version": "1.0.0"},
         )
+        for directory in ("cache-v2", "cookies-v3"):
+            path = os.path.join(self.shell.data_dir, "home/vlt/addons/data/win-x64/ncloudpage", directory)
+            self.assertTrue(os.listdir(path), path)
         steps = self.shell.wait_for_event("docs_cloud_opentime").params["fields"]
         self.assertTrue(steps["steps"].startswith("create_succeeded;"), steps["steps"])
         self.assertTrue(steps["steps"].endswith("load_finished;web_file_ready;") or "web_file_ready" in steps["steps"])
@@ -81,10 +84,8 @@ class OpenTest(EndToEndCase):
         self.assertIn("/p/100001", after["url"])
 
         # Elsewhere, the page's own URL comes back, with the reason.
-        since = self.shell.mark()
         self.shell.evaluate(page, "setTimeout(() => { location.href = 'http://foreign.skyleaf.test/home'; }, 0)")
-        self.shell.wait_for_page(page, "loadFinished", since=since)
-        self.assertIn("foreign.", self.state(self.shell, page)["url"])
+        self.wait_for_url(self.shell, page, "foreign.")
         since = self.shell.mark()
         self.shell.call("browser.crash", page=page)
         after = self.wait_ready_again(self.shell, page, since)

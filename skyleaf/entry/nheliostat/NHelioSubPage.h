@@ -119,3 +119,7 @@ private:
     QPointer<NHelioBrowserWidgetBase> m_browser;
     QIcon m_favicon;
 };
+
+/** The shell's icon for files of a suffix (without the dot; letter case does not matter); null for an empty
+ * suffix. */
+QIcon helioFileIcon(const QString& suffix);

@@ -3,6 +3,7 @@
 import os
 import shutil
 import tempfile
+import time
 import unittest
 from urllib.parse import parse_qs, urlsplit
 
@@ -55,3 +56,10 @@ class EndToEndCase(unittest.TestCase):
     def wait_ready_again(self, shell, page, since):
         shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
         return self.state(shell, page)
+
+    def wait_for_url(self, shell, page, part, timeout=30):
+        """Waits until the page's browser shows a URL that holds `part`."""
+        deadline = time.monotonic() + timeout
+        while part not in self.state(shell, page)["url"]:
+            self.assertLess(time.monotonic(), deadline, "never at " + part)
+            time.sleep(0.05)

@@ -27,7 +27,8 @@ function randomText(words) {
 const token = randomText(5);
 const callPrefix = `${randomText(2)}-`;
 
-const fetchUrl = window.fetch.bind(window);
+const Request = window.XMLHttpRequest;
+const { open: openRequest, send: sendRequest } = Request.prototype;
 const { parse, stringify } = JSON;
 const { error: complain } = console;
 const openCalls = new Map();
@@ -46,13 +47,15 @@ function send(message) {
   }
 }
 
+/** The text at `url`. With XMLHttpRequest: it hands over a large text in a fraction of the time of a body stream. */
 function fetchLarge(url) {
-  // With credentials, although none are needed: without, the browser would use connections of their own.
-  return fetchUrl(url, { cache: 'no-store', credentials: 'same-origin' }).then((response) => {
-    if (!response.ok) {
-      throw new Error(`status ${response.status}`);
-    }
-    return response;
+  return new Promise((resolve, reject) => {
+    const request = new Request();
+    openRequest.call(request, 'GET', url);
+    request.onload = () => (request.status === 200 ? resolve(request.responseText) : reject(new Error(`status ${request.status}`)));
+    request.onerror = () => reject(new Error('no answer'));
+    request.onabort = request.onerror;
+    sendRequest.call(request);
   });
 }
 
@@ -80,7 +83,7 @@ function settleFrom(id, url) {
   }
   openCalls.delete(id);
   fetchLarge(url)
-    .then((response) => response.json())
+    .then(parse)
     .then(call.resolve, (failure) => call.reject(new Error(`reply lost: ${failure.message}`)));
 }
 
@@ -106,7 +109,7 @@ function raiseInOrder(isEvent, name, text, isUrl) {
     raise(isEvent, name, text);
     return;
   }
-  const arrival = isUrl ? fetchLarge(text).then((response) => response.text()) : text;
+  const arrival = isUrl ? fetchLarge(text) : text;
   const done = Promise.all([arrival, lastInOrder])
     .then(([body]) => raise(isEvent, name, body))
     .catch((failure) => complain(`"${name}" lost: ${failure.message}`))
