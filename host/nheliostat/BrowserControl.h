@@ -21,11 +21,12 @@ public:
     virtual ~BrowserControl() = default;
 
     /**
-     * Runs `code`, the body of an async function, in the main frame's document of whatever origin, and reports the
-     * value it returns. An exception, `timeoutMs` passing, a document that goes away and a browser without a document
-     * are errors. `done` is called exactly once, on the user-interface thread.
+     * Runs `code`, the body of an async function, in the main frame's document of whatever origin, and
+     * reports the value it returns. An exception, `timeoutMs` passing, a document that goes away and a
+     * browser without a document are errors. `done` is called exactly once, on the user-interface thread.
      */
-    virtual void evaluate(const QString& code, int timeoutMs, std::function<void(const Evaluation&)> done) = 0;
+    virtual void evaluate(const QString& code, int timeoutMs,
+                          std::function<void(const Evaluation&)> done) = 0;
     /** Kills the renderer process; false when there is none. */
     virtual bool crashRenderer() = 0;
     /** The gateway's id of the view; empty without a web view. */

@@ -53,8 +53,8 @@ std::string alternativeNames(const std::vector<std::string>& names)
 {
     std::string text;
     for (const std::string& name : names) {
-        const bool isAddress = std::all_of(
-            name.begin(), name.end(), [](unsigned char c) { return std::isdigit(c) != 0 || c == '.'; });
+        const bool isAddress = std::all_of(name.begin(), name.end(),
+                                           [](unsigned char c) { return std::isdigit(c) != 0 || c == '.'; });
         text += (text.empty() ? "" : ",") + std::string(isAddress ? "IP:" : "DNS:") + name;
     }
     return text;

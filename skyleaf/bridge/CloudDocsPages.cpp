@@ -1,11 +1,10 @@
 #include "bridge/CloudDocsPages.h"
 
 #include "base/NDocsLog.h"
+#include "base/NDomains.h"
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioMainWindow.h"
 #include "nheliostat/NHelioSubPage.h"
-#include "zeolite/NCoreApplication.h"
-#include "zeolite/NDomainMgr.h"
 
 #include <QFileInfo>
 #include <QUrl>
@@ -19,13 +18,6 @@ NHelioMainWindow* windowOf(const QObject* object)
 {
     const NHelioApplication* application = NHelioApplication::instance();
     return application ? application->findRelativeHelioMainWindow(object) : nullptr;
-}
-
-QString documentUrlBase()
-{
-    NCoreApplication* core = NCoreApplication::instance();
-    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
-    return domains ? domains->getDomainUrl(QStringLiteral("quill_api_spec")) : QString();
 }
 
 bool isUnusedPrecreated(NHelioAppPage* page)
@@ -127,7 +119,7 @@ bool loadPreviewPage(NHelioAppPage* page, const QString& openUrl, const QString&
         return false;
     QString target = openUrl.isEmpty() ? url : openUrl;
     if (target.isEmpty() && !fileId.isEmpty())
-        target = documentUrlBase() + QStringLiteral("/p/%1").arg(fileId);
+        target = ndomains::url(QStringLiteral("quill_api_spec")) + QStringLiteral("/p/%1").arg(fileId);
     const QUrl parsed(target);
     if (!parsed.isValid() || parsed.host().isEmpty())
         return false;

@@ -2,6 +2,7 @@
 
 #include "base/NClock.h"
 #include "base/NDocsLog.h"
+#include "base/NDomains.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
@@ -12,8 +13,6 @@
 #include "page/NCefPreloadClient.h"
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
-#include "zeolite/NCoreApplication.h"
-#include "zeolite/NDomainMgr.h"
 #include "zeolite/NxWebViewContainer.h"
 
 #include <QCoreApplication>
@@ -161,9 +160,7 @@ void NHelioCloudDocsPage::preInitDocument(const QString& fileId, const QJsonObje
     const QString officeType = config.officeTypeCode(QFileInfo(fileName).suffix());
     const bool clientProxy = config.isDopEnabled(officeType);
 
-    NCoreApplication* core = NCoreApplication::instance();
-    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
-    QUrl url(domains ? domains->getDomainUrl(QStringLiteral("quill_api_spec")) : QString());
+    QUrl url(ndomains::url(QStringLiteral("quill_api_spec")));
     url.setPath(QStringLiteral("/p/") + fileId);
     docsurl::replaceQueryItem(url, QStringLiteral("pcEnter"), QStringLiteral("joinonline"));
     docsurl::replaceQueryItem(url, QStringLiteral("openEnv"), QStringLiteral("hybrid"));

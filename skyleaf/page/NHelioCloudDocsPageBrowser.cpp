@@ -2,6 +2,7 @@
 
 #include "base/NClock.h"
 #include "base/NDocsLog.h"
+#include "base/NDomains.h"
 #include "base/NReadOnce.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "nheliostat/NHelioApplication.h"
@@ -19,7 +20,6 @@
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
 #include "zeolite/NCoreApplication.h"
-#include "zeolite/NDomainMgr.h"
 #include "zeolite/NxWebViewContainer.h"
 
 #include <QVBoxLayout>
@@ -35,13 +35,6 @@ constexpr int flagAlwaysOff = 1024;
 constexpr int flagToolBar = 2;
 constexpr int flagAlwaysOn = 512;
 constexpr int flagIntranet = 16384;
-
-QString hostOfDomain(const QString& key)
-{
-    NCoreApplication* core = NCoreApplication::instance();
-    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
-    return domains ? QUrl(domains->getDomainUrl(key)).host() : QString();
-}
 
 QUrl errorPage(const QString& name)
 {
@@ -291,8 +284,8 @@ void NHelioCloudDocsPage::onAddressChange(const QString& url)
         return;
     const QString host = QUrl(url).host();
     const bool isService =
-        !host.isEmpty() && (host.compare(hostOfDomain(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
-                            host.compare(hostOfDomain(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
+        !host.isEmpty() && (host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
+                            host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
     m_reloadUrl = isService ? url : QString();
 }
 

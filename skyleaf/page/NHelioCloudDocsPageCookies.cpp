@@ -1,10 +1,9 @@
 #include "page/NHelioCloudDocsPage.h"
 
 #include "base/NDocsLog.h"
+#include "base/NDomains.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
-#include "zeolite/NCoreApplication.h"
-#include "zeolite/NDomainMgr.h"
 #include "zeolite/NxWebViewContainer.h"
 
 // The cookies that the page gives its browser. The session's own cookies are not written yet.
@@ -35,9 +34,7 @@ void NHelioCloudDocsPage::giveResponseCookies(NxWebViewContainer* container)
 {
     if (!container || m_notify_URL.isEmpty() || m_responseCookies.isEmpty())
         return;
-    NCoreApplication* core = NCoreApplication::instance();
-    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
-    const QString host = domains ? QUrl(domains->getDomainUrl(QStringLiteral("quill"))).host() : QString();
+    const QString host = ndomains::host(QStringLiteral("quill"));
     for (QNetworkCookie cookie : qAsConst(m_responseCookies)) {
         if (cookie.domain().isEmpty())
             cookie.setDomain(host);

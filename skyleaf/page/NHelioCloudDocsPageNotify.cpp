@@ -2,6 +2,7 @@
 
 #include "base/NClock.h"
 #include "base/NDocsLog.h"
+#include "base/NDomains.h"
 #include "base/NReadOnce.h"
 #include "bridge/CloudDocsPages.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
@@ -16,8 +17,6 @@
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
 #include "zeolite/JsonHelper.h"
-#include "zeolite/NCoreApplication.h"
-#include "zeolite/NDomainMgr.h"
 
 #include <QFileInfo>
 
@@ -38,13 +37,6 @@ bool isToolBarAllowed()
 {
     static NReadOnce<bool> allowed(&readToolBarAllowed);
     return allowed();
-}
-
-QString domainUrl(const QString& key)
-{
-    NCoreApplication* core = NCoreApplication::instance();
-    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
-    return domains ? domains->getDomainUrl(key) : QString();
 }
 
 bool isDarkSkin()
@@ -89,7 +81,7 @@ void NHelioCloudDocsPage::notify(const QString& text)
 
 bool NHelioCloudDocsPage::_isFilterShareDefaultPage(const QString& text)
 {
-    if (text.compare(domainUrl(QStringLiteral("quill")), Qt::CaseInsensitive) != 0 ||
+    if (text.compare(ndomains::url(QStringLiteral("quill")), Qt::CaseInsensitive) != 0 ||
         !property("sharePreloadFinish").toBool()) {
         return false;
     }
@@ -157,7 +149,7 @@ QString NHelioCloudDocsPage::commandUrlOf(const QString& text)
     if (text.startsWith(QLatin1String("http"), Qt::CaseInsensitive))
         return text;
     const bool intranet = nrt::kcmc::support(QStringLiteral("IntranetVersion"));
-    m_serviceOrigin = domainUrl(intranet ? QStringLiteral("drive") : QStringLiteral("quill_api_spec"));
+    m_serviceOrigin = ndomains::url(intranet ? QStringLiteral("drive") : QStringLiteral("quill_api_spec"));
     return docsurl::commandUrl(text, {m_serviceOrigin, nrt::product::applicationVersion(),
                                       nrt::product::applicationName(), nrt::product::distributionChannel(),
                                       nclock::nowMs()});
@@ -242,7 +234,7 @@ void NHelioCloudDocsPage::openFoundDocument(const OpenFilesParams& params, NHeli
     QString url = params.url;
     const EntryMarker marker = findEntryMarker(url);
     if (marker.position >= 0)
-        url.replace(marker.position, marker.length, domainUrl(marker.key));
+        url.replace(marker.position, marker.length, ndomains::url(marker.key));
 
     if (!params.newPage && params.fileId != QLatin1String("-1") &&
         clouddocspages::activatePreviewPage(nullptr, params.fileId, params.from, true)) {

@@ -44,7 +44,10 @@ protected:
         return page;
     }
 
-    static FakeBrowserWidget* browserOf(NHelioCloudDocsPage* page) { return page->findChild<FakeBrowserWidget*>(); }
+    static FakeBrowserWidget* browserOf(NHelioCloudDocsPage* page)
+    {
+        return page->findChild<FakeBrowserWidget*>();
+    }
 
     /** A page that shows a document, loaded. */
     NHelioCloudDocsPage* addOpenPage()
@@ -98,9 +101,12 @@ TEST_F(CloudDocsPage, LoadBeforeTheBrowserWaitsForIt)
     EXPECT_EQ(query(url, "client_proxy"), s("false"));
     EXPECT_EQ(query(url, "traceId").size(), 32);
 
-    EXPECT_EQ(browser->startupUrls.first(), s("https://docs.test/?v=1.2&type=app&channel=chan&t=1700000000000"));
+    EXPECT_EQ(browser->startupUrls.first(),
+              s("https://docs.test/?v=1.2&type=app&channel=chan&t=1700000000000"));
     EXPECT_EQ(browser->flags, (QMap<int, bool>{{1024, false}, {2, false}, {512, true}}));
-    EXPECT_TRUE(browser->property("cachePath").toString().endsWith(s("/vlt/addons/data/win-x64/ncloudpage/cache-v2")));
+    EXPECT_TRUE(browser->property("cachePath")
+                    .toString()
+                    .endsWith(s("/vlt/addons/data/win-x64/ncloudpage/cache-v2")));
     EXPECT_TRUE(browser->property("cookiePath").toString().endsWith(s("ncloudpage/cookies-v3")));
     EXPECT_EQ(browser->supportedProtocols, QStringList({s("weixin"), s("xweixin")}));
     EXPECT_EQ(browser->container()->deliverRequestHeaders().value("User-Agent"),
@@ -118,7 +124,8 @@ TEST_F(CloudDocsPage, NotifyLoadsOnlyWhatIsNew)
     EXPECT_EQ(browserOf(page)->loads.size(), loads);
     page->notify(s("https://docs.test/p/8?suffix=docx"));
     EXPECT_EQ(browserOf(page)->loads.size(), loads + 1);
-    EXPECT_EQ(query(page->notifyUrl(), "traceId"), query(browserOf(page)->loads.first().toString(), "traceId"));
+    EXPECT_EQ(query(page->notifyUrl(), "traceId"),
+              query(browserOf(page)->loads.first().toString(), "traceId"));
 }
 
 TEST_F(CloudDocsPage, LockLeavesALockedPageAlone)
@@ -224,14 +231,16 @@ TEST_F(CloudDocsPage, ReadyFileIsRemembered)
     start();
     NHelioCloudDocsPage* page = addOpenPage();
     QSignalSpy ready(page, &NHelioCloudDocsPage::webFileReady);
-    const QJsonObject report{{s("fileId"), s("9")}, {s("fileName"), s("Plan.docx")}, {s("fileType"), s("word")}};
+    const QJsonObject report{
+        {s("fileId"), s("9")}, {s("fileName"), s("Plan.docx")}, {s("fileType"), s("word")}};
     ASSERT_TRUE(browserOf(page)->deliverScriptReport(s("webFileReady"), report));
     EXPECT_EQ(ready.count(), 1);
     EXPECT_EQ(page->property("File_ID").toString(), s("9"));
     EXPECT_EQ(page->property("URL_File_ID").toString(), s("7"));
     EXPECT_EQ(page->getPageProperty(s("fileName")), s("Plan.docx"));
     EXPECT_EQ(eventFields("docs_cloud_open", "step"), QStringList({s("load"), s("web_file_ready")}));
-    EXPECT_TRUE(eventFields("docs_cloud_opentime", "steps").first().endsWith(s("load_finished;web_file_ready;")));
+    EXPECT_TRUE(
+        eventFields("docs_cloud_opentime", "steps").first().endsWith(s("load_finished;web_file_ready;")));
     browserOf(page)->deliverLoadStarted();
     EXPECT_EQ(page->getPageProperty(s("fileName")), QString());
 }
@@ -243,8 +252,8 @@ TEST_F(CloudDocsPage, DiscardableOnlyWhenLongInactive)
     addOpenPage();
     window->centralArea()->setCurrentPage(window->centralArea()->pageAt(1));
     const auto report = [&](const char* name) {
-        browserOf(page)->deliverScriptReport(s("webFileReady"),
-                                             {{s("fileId"), s("7")}, {s("fileName"), s(name)}, {s("fileType"), s("x")}});
+        browserOf(page)->deliverScriptReport(
+            s("webFileReady"), {{s("fileId"), s("7")}, {s("fileName"), s(name)}, {s("fileType"), s("x")}});
     };
     report("Plan.docx");
     page->updateLastActiveTime();
@@ -271,14 +280,16 @@ TEST_F(CloudDocsPage, PageMadeInAdvanceShowsABlankPageUntilItIsUsed)
     start();
     NHelioCloudDocsPage* page = addPage();
     turn();
-    page->notify(s(R"({"action":"PREINIT","params":{"entry":"list","fileId":"7","fileName":"Plan.docx","localId":"L"}})"));
+    page->notify(s(
+        R"({"action":"PREINIT","params":{"entry":"list","fileId":"7","fileName":"Plan.docx","localId":"L"}})"));
     FakeBrowserWidget* browser = browserOf(page);
     EXPECT_EQ(browser->startupUrls.last(), s("about:blank"));
     EXPECT_TRUE(browser->property("skipLoadingWidgetInjection").toBool());
     EXPECT_EQ(browser->webViewsMade, 1);
-    EXPECT_EQ(page->notifyUrl(),
-              s("https://docs.test/p/7?pcEnter=joinonline&openEnv=hybrid&localId=L&title=Plan.docx&officeType=w"
-                "&client_proxy=false"));
+    EXPECT_EQ(
+        page->notifyUrl(),
+        s("https://docs.test/p/7?pcEnter=joinonline&openEnv=hybrid&localId=L&title=Plan.docx&officeType=w"
+          "&client_proxy=false"));
     EXPECT_EQ(page->property("precreated_page_id").toString(), s("7"));
 
     browser->deliverStartupLoad();
@@ -299,13 +310,16 @@ TEST_F(CloudDocsPage, RecoveredPageShowsWhatItShowed)
     turn();
     NHelioWorkAreaRecoverItem item;
     item.suffix = s("docx");
-    item.params = {{s("url"), documentUrl}, {s("fileId"), s("7")}, {s("fileName"), s("Plan.docx")},
+    item.params = {{s("url"), documentUrl},
+                   {s("fileId"), s("7")},
+                   {s("fileName"), s("Plan.docx")},
                    {s("toolBarVisible"), true}};
     EXPECT_FALSE(page->recoverFiles({}, 1, nullptr));
     page->recoverFiles({item}, 1, nullptr);
     EXPECT_EQ(page->getWorkAreaRecoverUrl(), documentUrl);
     page->load();
-    EXPECT_EQ(browserOf(page)->loads.last().toString(), documentUrl + s("&startTime=1700000000000&from=recover"));
+    EXPECT_EQ(browserOf(page)->loads.last().toString(),
+              documentUrl + s("&startTime=1700000000000&from=recover"));
     EXPECT_EQ(page->property("File_ID").toString(), s("7"));
     EXPECT_EQ(page->pageTitle(), s("Plan"));
     EXPECT_TRUE(page->isToolBarVisible());
@@ -346,7 +360,8 @@ TEST_F(CloudDocsPage, OddNotifyTextsAreCommands)
     }
     page->notify(s("/recent?a=b"));
     EXPECT_TRUE(page->notifyUrl().startsWith(
-        s("https://docs.test/recent?a=b&v=1.2&type=app&channel=chan&t=1700000000000&officeType=w&openEnv=hybrid")));
+        s("https://docs.test/"
+          "recent?a=b&v=1.2&type=app&channel=chan&t=1700000000000&officeType=w&openEnv=hybrid")));
 }
 
 } // namespace

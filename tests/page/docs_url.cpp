@@ -15,7 +15,9 @@ docsurl::NormalizeContext context()
 {
     docsurl::NormalizeContext c;
     c.officeTypeOfSuffix = [](const QString& suffix) {
-        return suffix == QLatin1String("docx") ? s("w") : suffix == QLatin1String("xlsx") ? s("s") : QString();
+        return suffix == QLatin1String("docx")   ? s("w")
+               : suffix == QLatin1String("xlsx") ? s("s")
+                                                 : QString();
     };
     c.recordedOfficeType = [](const QString& id) { return id == QLatin1String("42") ? s("o") : QString(); };
     c.isClientProxy = [](const QString& type) { return type == QLatin1String("s"); };
@@ -47,7 +49,8 @@ TEST_P(OfficeTypeSource, FirstSourceThatKnowsWins)
     c.suffix = s(GetParam().suffix);
     const docsurl::Normalized result = docsurl::normalize(s(GetParam().url), c);
     EXPECT_EQ(result.officeType, s(GetParam().expected));
-    EXPECT_EQ(values(result.url, "openEnv"), result.officeType.isEmpty() ? QStringList() : QStringList(s("hybrid")));
+    EXPECT_EQ(values(result.url, "openEnv"),
+              result.officeType.isEmpty() ? QStringList() : QStringList(s("hybrid")));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -63,7 +66,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(DocsUrl, NormalizingTwiceKeepsOneItemOfEach)
 {
-    const docsurl::Normalized first = docsurl::normalize(s("https://d.test/p/7?suffix=docx&x=a%20b"), context());
+    const docsurl::Normalized first =
+        docsurl::normalize(s("https://d.test/p/7?suffix=docx&x=a%20b"), context());
     docsurl::NormalizeContext again = context();
     again.officeType = first.officeType;
     again.traceId = first.traceId;

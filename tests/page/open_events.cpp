@@ -17,8 +17,8 @@ TEST(OpenEvents, OpenTimeListsTheStepsInOrder)
     NOpenSteps steps;
     steps.append(s("load_start"), 5);
     steps.append(s("load_finished"), 12);
-    openevents::OpenTime event{&steps, 10000, s("https://d.test/p/1?startTime=9000&interruptUseTime=200&from=list"),
-                               s("w"), s("t")};
+    openevents::OpenTime event{
+        &steps, 10000, s("https://d.test/p/1?startTime=9000&interruptUseTime=200&from=list"), s("w"), s("t")};
     const NDcFields fields = openevents::openTimeFields(event);
     EXPECT_EQ(fields.value(s("steps")), s("load_start;load_finished;"));
     EXPECT_EQ(fields.value(s("load_finished")), s("12"));

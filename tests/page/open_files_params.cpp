@@ -24,7 +24,8 @@ TEST(OpenFilesParams, FindsTheUrlArgument)
 TEST(OpenFilesParams, ReadsEveryParameter)
 {
     const OpenFilesParams p = parseOpenFilesParams(
-        s("https://d.test/p/9?pcEnter=list&SUFFIX=docx&fileid=12&newpage=1&filename=a\nb.docx&version=3&version=4"
+        s("https://d.test/p/"
+          "9?pcEnter=list&SUFFIX=docx&fileid=12&newpage=1&filename=a\nb.docx&version=3&version=4"
           "&downprohibited=1&toolbar=0&cmd=first&cmd=second&suffix=ignored"));
     EXPECT_EQ(p.suffix, s("docx"));
     EXPECT_EQ(p.fileId, s("12"));
@@ -38,7 +39,8 @@ TEST(OpenFilesParams, ReadsEveryParameter)
 
 TEST(OpenFilesParams, CaseOfPrefixes)
 {
-    const OpenFilesParams p = parseOpenFilesParams(s("https://d.test/x&DownProhibited=1&ToolBar=1&FILEID=-1"));
+    const OpenFilesParams p =
+        parseOpenFilesParams(s("https://d.test/x&DownProhibited=1&ToolBar=1&FILEID=-1"));
     EXPECT_FALSE(p.downloadProhibited);
     EXPECT_TRUE(p.showToolBar);
     EXPECT_EQ(p.fileId, s("-1"));
@@ -49,8 +51,9 @@ TEST(OpenFilesParams, Base64UrlMustExtendTheGivenOne)
     const QString given = s("https://d.test/p/9");
     EXPECT_EQ(parseOpenFilesParams(given + s("&base64url=") + base64("HTTPS://d.test/p/9?a=1&b=2")).url,
               s("HTTPS://d.test/p/9?a=1&b=2"));
-    EXPECT_EQ(parseOpenFilesParams(given + s("&base64url=") + base64("https://evil.test/") + s("&version=2")).url,
-              QString());
+    EXPECT_EQ(
+        parseOpenFilesParams(given + s("&base64url=") + base64("https://evil.test/") + s("&version=2")).url,
+        QString());
     EXPECT_EQ(parseOpenFilesParams(given + s("&base64filename=") + base64("ä.docx")).fileName, s("ä.docx"));
 }
 
@@ -71,8 +74,9 @@ TEST_P(LastSegment, IsAnIdOnlyWhenPositive)
 
 INSTANTIATE_TEST_SUITE_P(Texts, LastSegment,
                          testing::Values(SegmentCase{"https://d.test/p/17", "17"},
-                                         SegmentCase{"https://d.test/p/-17", ""}, SegmentCase{"C:\\x\\17", "17"},
-                                         SegmentCase{"/17", ""}, SegmentCase{"17", ""}, SegmentCase{"", ""},
+                                         SegmentCase{"https://d.test/p/-17", ""},
+                                         SegmentCase{"C:\\x\\17", "17"}, SegmentCase{"/17", ""},
+                                         SegmentCase{"17", ""}, SegmentCase{"", ""},
                                          SegmentCase{"https://d.test/p/0", ""},
                                          SegmentCase{"https://d.test/p/17?x=1", ""}));
 

@@ -16,8 +16,9 @@ TEST(OfficeTypes, CodesOfFileTypes)
     {
         const char* fileType;
         const char* code;
-    } cases[] = {{"word", "w"}, {"vs", "s"},   {"dbt", "d"},  {"onlinevpp", "p"}, {"motl", "mo"}, {"docx", "w"},
-                 {"XLSX", "s"}, {"pptx", "p"}, {"pdf", "f"},  {"zip", ""},        {"", ""},       {"db", ""}};
+    } cases[] = {{"word", "w"},  {"vs", "s"},   {"dbt", "d"},  {"onlinevpp", "p"},
+                 {"motl", "mo"}, {"docx", "w"}, {"XLSX", "s"}, {"pptx", "p"},
+                 {"pdf", "f"},   {"zip", ""},   {"", ""},      {"db", ""}};
     for (const auto& c : cases)
         EXPECT_EQ(nofficetypes::codeOfFileType(s(c.fileType)), s(c.code)) << c.fileType;
 }

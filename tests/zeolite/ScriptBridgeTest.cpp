@@ -163,9 +163,8 @@ TEST_F(ScriptBridge, RejectsTextsThatAreNoCall)
     const QString nested = QString(5000, QLatin1Char('[')) + QString(5000, QLatin1Char(']'));
     QString withNul = good;
     withNul.insert(10, QChar(0));
-    for (const QString& text :
-         {QString(), QStringLiteral("{"), good.chopped(1), withNul,
-          call(QStringLiteral("version"), QStringLiteral(R"({"t":%1})").arg(nested))})
+    for (const QString& text : {QString(), QStringLiteral("{"), good.chopped(1), withNul,
+                                call(QStringLiteral("version"), QStringLiteral(R"({"t":%1})").arg(nested))})
         EXPECT_TRUE(outcome(text).startsWith(QLatin1String(" ! malformed call: ")))
             << qPrintable(text.left(80));
 

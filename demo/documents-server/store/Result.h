@@ -1,10 +1,10 @@
 #pragma once
 
 #include <optional>
-#include <utility>
-#include <variant>
 
 #include <QString>
+
+#include "base/Outcome.h"
 
 namespace documents {
 
@@ -24,26 +24,7 @@ struct Error
 
 /** A value, or the reason why there is none. */
 template <typename T>
-class Result
-{
-public:
-    Result(T value)
-        : m_state(std::move(value))
-    {
-    }
-    Result(Error error)
-        : m_state(std::move(error))
-    {
-    }
-
-    explicit operator bool() const { return std::holds_alternative<T>(m_state); }
-    const T& operator*() const { return std::get<T>(m_state); }
-    const T* operator->() const { return &std::get<T>(m_state); }
-    const Error& error() const { return std::get<Error>(m_state); }
-
-private:
-    std::variant<T, Error> m_state;
-};
+using Result = base::Outcome<T, Error>;
 
 /** Success has no value: nothing, or the reason of the failure. */
 using Failure = std::optional<Error>;

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+/** The service's domains, as the shared services know them now. */
+namespace ndomains {
+
+/** The URL of a domain key ("quill", "drive", …); empty when it is not configured or there are no shared
+ * services. */
+QString url(const QString& key);
+/** The host of that URL. */
+QString host(const QString& key);
+
+} // namespace ndomains
