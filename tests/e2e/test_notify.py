@@ -40,10 +40,16 @@ class NotifyTest(EndToEndCase):
     def test_tool_bar(self):
         page = self.create(self.shell)
         self.notify_and_load(page, "")
-        self.shell.call("page.notify", page=page, text="setToolBar=1")
-        self.shell.call("page.notify", page=page, text="SETTOOLBAR=0")
-        self.assertEqual(self.shell.call("page.invoke", page=page, method="notifyUrl", args=[]),
-                         self.state(self.shell, page)["notifyUrl"])
+
+        def height_with(text):
+            self.shell.call("page.notify", page=page, text=text)
+            time.sleep(0.5)
+            return self.shell.evaluate(page, "return window.innerHeight")
+
+        shown = height_with("setToolBar=1")
+        hidden = height_with("SETTOOLBAR=0")
+        self.assertLess(shown, hidden)
+        self.assertEqual(height_with("setToolBar=2"), shown)
 
     def test_invoke_by_name(self):
         page = self.open(self.shell)

@@ -207,6 +207,10 @@ TEST_F(CloudDocsPage, ReloadsRememberTheirUrl)
     browser->deliverAddress(s("https://DRIVE.test/home"));
     shell->setUser({});
     EXPECT_EQ(browser->loads.last().toString().toLower(), s("https://drive.test/home"));
+
+    browser->deliverAddress(s("https://elsewhere.test/x"));
+    shell->setUser({});
+    EXPECT_EQ(query(browser->loads.last().toString(), "from"), s("loginStatusChanged"));
 }
 
 TEST_F(CloudDocsPage, TitlesCountOnceALoadFinished)
