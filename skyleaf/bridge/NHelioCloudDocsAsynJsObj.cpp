@@ -202,6 +202,11 @@ void NHelioCloudDocsAsynJsObj::onWebFileReady(const QMap<QString, QString>& info
         m_dockMessageHandler->updateWebFileInfo(info);
 }
 
+void NHelioCloudDocsAsynJsObj::onBatchUploadFileListToAnyExistedPath(bool, const QString&,
+                                                                     const QMap<QString, QString>&)
+{
+}
+
 void NHelioCloudDocsAsynJsObj::onDragEnter(const QStringList& files)
 {
     NxJSApiEventHandler* events = eventHandler();

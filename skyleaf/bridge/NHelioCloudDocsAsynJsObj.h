@@ -111,6 +111,9 @@ public Q_SLOTS:
     void onLoadFinished(bool ok);
     void onWebFileReady(const QMap<QString, QString>& info);
     void onDragEnter(const QStringList& files);
+    /** The reply to a folder upload: nothing follows from it. */
+    void onBatchUploadFileListToAnyExistedPath(bool success, const QString& requestId,
+                                               const QMap<QString, QString>& reply);
     void onGetUploadStateTimerTimeout();
     void onGetDownloadStateTimerTimeout();
     void onSendFile(const QVariantMap& arguments);
