@@ -12,7 +12,8 @@ import sys
 import tempfile
 import time
 
-from helio_shell import DocumentsServer, Shell, write_host_file
+from helio_shell import DocumentsServer, Shell, merged, write_host_file
+from local_packages import installed_packages, plugin_members, switches
 
 
 def parse_arguments():
@@ -24,9 +25,15 @@ def parse_arguments():
     return parser.parse_args()
 
 
-def run_with_window(programs, server, text, data_dir):
+def host_members(build, server):
+    """The demo's deployment: documents are shown by the local packages that the build made."""
+    packages = plugin_members(installed_packages(build))
+    return merged(server.host_members(**packages), switches(preloading=True, version_check=True, proxy_reset=True))
+
+
+def run_with_window(programs, members, text, data_dir):
     with tempfile.TemporaryDirectory(prefix="skyleaf-run-") as directory:
-        host = write_host_file(directory, server.host_members())
+        host = write_host_file(directory, members)
         command = [os.path.join(programs, "skyleaf-shell"), "--host", host, "--data-dir", data_dir, "--", text]
         return subprocess.run(command, check=False).returncode
 
@@ -48,8 +55,8 @@ def time_line(notifications, page, start):
     return lines
 
 
-def open_headless(programs, server, text, data_dir, work):
-    with Shell(programs, host=server.host_members(), data_dir=data_dir) as shell:
+def open_headless(programs, members, text, data_dir, work):
+    with Shell(programs, host=members, data_dir=data_dir) as shell:
         page = shell.call("page.create", type=1)["page"]
         shell.call("page.notify", page=page, text=text)
         start = time.monotonic()
@@ -86,11 +93,13 @@ def main():
     data_dir = os.path.join(arguments.work, "data")
     for directory in (documents, data_dir):
         os.makedirs(directory, exist_ok=True)
-    with DocumentsServer(programs, documents, site) as server:
+    packages = os.path.join(arguments.build, "webapp", "package-zips")
+    with DocumentsServer(programs, documents, site, ["--packages", packages]) as server:
+        members = host_members(arguments.build, server)
         text = arguments.text or server.url("/p/100001?officeType=w")
         if arguments.headless:
-            return open_headless(programs, server, text, data_dir, arguments.work)
-        return run_with_window(programs, server, text, data_dir)
+            return open_headless(programs, members, text, data_dir, arguments.work)
+        return run_with_window(programs, members, text, data_dir)
 
 
 if __name__ == "__main__":

@@ -46,7 +46,7 @@ struct DocumentsServer::Parts
     Parts(const ServerOptions& options, const Clock& clock)
         : store(options.documentsDirectory, clock)
         , shaper(options.link)
-        , service(store, options.siteDirectory, clock, shaper, log)
+        , service(store, options.siteDirectory, options.packageDirectory, clock, shaper, log)
         , services{[this](const HttpRequest& request) { return service.answer(request); }, shaper, log, clock}
     {
     }

@@ -29,6 +29,8 @@ void describe(QCommandLineParser& parser)
     add("documents", QStringLiteral("Directory of the documents; made, and filled with a demo when empty."),
         "DIR");
     add("site", QStringLiteral("Directory of the built site."), "DIR");
+    add("packages", QStringLiteral("Directory of front-end packages, files named PLUGIN-VERSION.zip."),
+        "DIR");
     add("http-port", QStringLiteral("Port for HTTP, 0 for a free one [%1].").arg(defaults.httpPort), "N",
         QString::number(defaults.httpPort));
     add("https-port", QStringLiteral("Port for HTTPS, 0 for a free one [%1].").arg(defaults.httpsPort), "N",
@@ -68,6 +70,7 @@ Failure readNames(const QCommandLineParser& parser, ServerOptions& options)
 {
     options.documentsDirectory = parser.value(QStringLiteral("documents"));
     options.siteDirectory = parser.value(QStringLiteral("site"));
+    options.packageDirectory = parser.value(QStringLiteral("packages"));
     options.readyFile = parser.value(QStringLiteral("ready-file"));
     options.accessLog = parser.value(QStringLiteral("access-log"));
     options.hostNames = {"localhost", "127.0.0.1", "docs.skyleaf.test"};
@@ -89,6 +92,9 @@ Failure readNames(const QCommandLineParser& parser, ServerOptions& options)
         return mistake(QStringLiteral("--site: a directory is missing."));
     if (!QFileInfo(options.siteDirectory).isDir())
         return mistake(QStringLiteral("--site: \"%1\" is not a directory.").arg(options.siteDirectory));
+    if (parser.isSet(QStringLiteral("packages")) && !QFileInfo(options.packageDirectory).isDir())
+        return mistake(
+            QStringLiteral("--packages: \"%1\" is not a directory.").arg(options.packageDirectory));
     return std::nullopt;
 }
 

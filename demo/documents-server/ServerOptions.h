@@ -15,7 +15,8 @@ struct ServerOptions
 {
     QString documentsDirectory;
     QString siteDirectory;
-    int httpPort = 18080; ///< 0: a free one
+    QString packageDirectory; ///< empty: no packages to download
+    int httpPort = 18080;     ///< 0: a free one
     int httpsPort = 18443;
     LinkSettings link;
     QString readyFile;                  ///< empty: none

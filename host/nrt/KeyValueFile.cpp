@@ -30,6 +30,12 @@ QByteArray checksum(const QByteArray& bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
 }
 
+/** As it stands in a whole file's bytes. */
+QByteArray checksumOf(const QByteArray& bytes)
+{
+    return bytes.mid(fileMark().size(), checksumSize);
+}
+
 void setAside(const QString& path)
 {
     const QString aside = path + QStringLiteral(".corrupt");
@@ -153,8 +159,11 @@ bool KeyValueFile::setValue(const QString& key, const QVariant& value)
  * Takes the file's values, with the pending changes on top. The file is only ever replaced whole, so no lock
  * is needed. False when there is a file that cannot be read: writing would lose what it holds.
  */
-bool KeyValueFile::mergeFile(QByteArray* fileBytes)
+bool KeyValueFile::mergeFile()
 {
+    const FileIdentity present = FileIdentity::of(m_path);
+    if (present.isKnown() && present == m_seen)
+        return true;
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (!file.exists())
@@ -164,13 +173,16 @@ bool KeyValueFile::mergeFile(QByteArray* fileBytes)
         return false;
     }
     const QByteArray bytes = file.readAll();
-    if (auto stored = decodeKeyValues(bytes))
+    if (auto stored = decodeKeyValues(bytes)) {
         m_values = *std::move(stored);
-    else
+        m_seen = present;
+        m_seenSum = checksumOf(bytes);
+    } else {
         setAside(m_path);
+        m_seen = {};
+        m_seenSum.clear();
+    }
     apply(m_pending, m_values);
-    if (fileBytes)
-        *fileBytes = bytes;
     return true;
 }
 
@@ -183,17 +195,19 @@ bool KeyValueFile::writeMerged()
                   qUtf8Printable(m_path));
         return false;
     }
-    QByteArray current;
-    if (!mergeFile(&current))
+    if (!mergeFile())
         return false;
     const QByteArray bytes = encodeKeyValues(m_values);
-    if (bytes != current) { // a value written again as it is costs no disk write
+    if (checksumOf(bytes) != m_seenSum ||
+        !QFile::exists(m_path)) { // a value written again as it is costs no disk write
         QSaveFile file(m_path);
         if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
             qCWarning(lcKcc, "key-value store %s not written: %s", qUtf8Printable(m_path),
                       qUtf8Printable(file.errorString()));
             return false;
         }
+        m_seen = FileIdentity::of(m_path);
+        m_seenSum = checksumOf(bytes);
     }
     m_pending.clear();
     return true;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nrt/FileIdentity.h"
+
 #include <mutex>
 
 #include <QByteArray>
@@ -39,11 +41,13 @@ public:
     bool setValue(const QString& key, const QVariant& value);
 
 private:
-    bool mergeFile(QByteArray* fileBytes = nullptr);
+    bool mergeFile();
     bool writeMerged();
 
     const QString m_path;
     mutable std::mutex m_mutex;
+    FileIdentity m_seen;      //!< the file whose values are in m_values
+    QByteArray m_seenSum;     //!< its checksum
     QVariantMap m_values;     //!< as last seen on disk, with the pending changes on top
     QVariantMap m_pending;    //!< not on disk yet; an invalid value is a removal
     QVariantMap m_memoryOnly; //!< values that cannot be stored

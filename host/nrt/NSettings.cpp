@@ -86,7 +86,7 @@ NCCCommonSettings::NCCCommonSettings()
 }
 
 NCCPluginsSettings::NCCPluginsSettings()
-    : NSettings(maker(), QStringLiteral("Plugins"))
+    : NCCOfficeSettings(maker(), QStringLiteral("Plugins"))
 {
 }
 

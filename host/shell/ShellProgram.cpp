@@ -1,5 +1,6 @@
 #include "shell/ShellProgram.h"
 
+#include "shell/CloudServiceLink.h"
 #include "shell/HeadlessDialogs.h"
 #include "shell/UserSession.h"
 #include "shell/control/ControlSession.h"
@@ -150,11 +151,17 @@ void ShellProgram::startWindows()
     ShellApplication::Setup setup;
     setup.user = toUserInfo(m_setup.host.user);
     setup.translationsDir = installRoot() + QStringLiteral("/translations");
+    setup.cloudService.client = {
+        QCoreApplication::applicationDirPath() + QStringLiteral("/vltcloudsvr"), m_setup.dataDir, {}};
+    setup.cloudService.apiUrl = m_setup.host.domains.value(QStringLiteral("quill_api"));
+    setup.cloudService.resolve = m_setup.host.resolve;
     m_application = std::make_unique<ShellApplication>(setup);
     connect(m_application.get(), &ShellApplication::pageAdded, m_pages.get(), &PageDirectory::onPageAdded);
     connect(m_application.get(), &ShellApplication::pageRemoved, m_pages.get(),
             &PageDirectory::onPageRemoved);
     m_user = std::make_unique<UserSession>(m_setup.host.user, *m_application, *m_services);
+    m_cloudService =
+        std::make_unique<CloudServiceLink>(m_application->cloudService(), *m_services, m_setup.dataDir);
     m_opener = std::make_unique<PageOpener>(*m_application, *m_pages);
     m_browser->setNewPageHandler([this](NHelioBrowserWidgetBase* opener, IHelioBrowserPageFactory* factory,
                                         const QUrl& url) { m_opener->openForBrowser(opener, factory, url); });

@@ -20,6 +20,7 @@ class BrowserEnvironment;
 
 namespace shell {
 
+class CloudServiceLink;
 class ControlSession;
 class HeadlessDialogs;
 class PageDirectory;
@@ -68,6 +69,7 @@ private:
     std::unique_ptr<ControlSession> m_control;
     std::unique_ptr<nheliostat::browser::BrowserEnvironment> m_browser;
     std::unique_ptr<UserSession> m_user;
+    std::unique_ptr<CloudServiceLink> m_cloudService;
     std::unique_ptr<PageOpener> m_opener;
     std::unique_ptr<ShellApplication> m_application;
 };

@@ -1,5 +1,6 @@
 #include "shell/UserSession.h"
 
+#include "shell/AccountAuth.h"
 #include "shell/config/UserMembers.h"
 
 #include "nheliostat/framework/ShellApplication.h"
@@ -21,7 +22,8 @@ HostUser toHostUser(const NHelioUserInfo& info)
 
 NHelioUserInfo toUserInfo(const HostUser& user)
 {
-    return {user.userId, user.loggedIn, user.sessionKey, user.cookies, user.localDataDir, user.cacheRoot};
+    return {user.userId,       user.loggedIn,  user.sessionKey, user.cookies,
+            user.localDataDir, user.cacheRoot, user.userId,     user.sessionKey};
 }
 
 UserSession::UserSession(HostUser user, ShellApplication& application, ZeoliteHost& services, QObject* parent)
@@ -31,6 +33,7 @@ UserSession::UserSession(HostUser user, ShellApplication& application, ZeoliteHo
     , m_services(services)
 {
     m_services.dataCollection().setUserId(m_deployed.loggedIn ? m_deployed.userId : QString());
+    m_services.setAuthProvider(std::make_unique<AccountAuth>(application));
     connect(&m_application, &ShellApplication::loginRequested, this, &UserSession::signIn);
 }
 

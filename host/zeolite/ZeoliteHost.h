@@ -1,5 +1,6 @@
 #pragma once
 
+#include "zeolite/NAccountSdkProxy.h"
 #include "zeolite/NCoreApplication.h"
 #include "zeolite/ZeoliteSetup.h"
 #include "zeolite/collect/DataCollection.h"
@@ -9,6 +10,8 @@
 #include "zeolite/services/CloudServiceHooks.h"
 #include "zeolite/services/DomainTable.h"
 #include "zeolite/services/PoolThreads.h"
+
+#include <memory>
 
 /**
  * The shared services of a process. The program creates one, after `nrt::host::configure`, and keeps it while
@@ -29,6 +32,7 @@ public:
     NDomainMgr* getDomainMgr() override;
     NPluginManager* getPluginManager() override;
     NCloudSvrProxy* getCloudSvrProxy() override;
+    NAccountSdkProxy* getAccountSDK() override { return &m_account; }
     QString debugInfo() const override;
 
     const zeolite::Setup& setup() const { return m_setup; }
@@ -37,6 +41,11 @@ public:
     ConfigCentre& configCentre() { return m_configCentre; }
     PluginStore& plugins() { return m_plugins; }
     void setCloudServiceHooks(CloudServiceHooks hooks) { m_cloudService.setHooks(std::move(hooks)); }
+    /** Null (the start) for none. */
+    void setAuthProvider(std::unique_ptr<NAccountAuthProvider> provider)
+    {
+        m_account.set(std::move(provider));
+    }
 
 private:
     /** Opens the log file before, and closes it after, everything that logs. */
@@ -49,6 +58,16 @@ private:
         LogFile& operator=(const LogFile&) = delete;
     };
 
+    class Account final : public NAccountSdkProxy
+    {
+    public:
+        void set(std::unique_ptr<NAccountAuthProvider> provider) { m_provider = std::move(provider); }
+        NAccountAuthProvider* getAuthProvider() override { return m_provider.get(); }
+
+    private:
+        std::unique_ptr<NAccountAuthProvider> m_provider;
+    };
+
     const zeolite::Setup m_setup;
     LogFile m_logFile;
     DataCollection m_dataCollection;
@@ -56,5 +75,6 @@ private:
     DomainTable m_domains;
     PluginStore m_plugins;
     HookedCloudService m_cloudService;
+    Account m_account;
     PoolThreads m_poolThreads;
 };

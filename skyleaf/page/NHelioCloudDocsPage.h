@@ -171,12 +171,24 @@ private:
 
     // Front version and server requests.
     void _startNetworkRequest();
+    void startRun();
     void _waitStartedPreRequest();
     void _startVcsRequest();
     void ensureRequestTask();
+    NDOPProxyInfo proxyInfo(const QString& frontVer = {}) const;
     void initDocsLocalResource();
+    void _updateProxy(const QString& frontVer);
     void _delayLoadUrl();
     bool _isDelayLoadUrl() const;
+    void keepResult(const NCloudDocsRequestTaskResult& result);
+    void endVcsWait();
+    void loadNormalized();
+    void _handleVcs(const NCloudDocsRequestTaskResult& result);
+    void _handleVcsWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result);
+    void _handleEnvConfig(const NCloudDocsRequestTaskResult& result);
+    void _handleEnvConfigWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result);
+    void _handleDelayLoadUrlAfterRequest(const QString& frontVer);
+    void _refreshOnLocalResourceResetFail();
 
     // Preloaded browser.
     bool _checkPreloadDocFramework(NxWebViewContainer* container);

@@ -16,9 +16,10 @@
 #include "page/BrowserExceptionInfoCollector.h"
 #include "page/DocsUrl.h"
 #include "page/NCefPreloadClient.h"
-#include "proxy/NCloudDocsRecordManager.h"
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
+#include "proxy/NOpenUsageRecord.h"
+#include "proxy/NVersionCheckCache.h"
 #include "zeolite/NCoreApplication.h"
 #include "zeolite/NxWebViewContainer.h"
 
@@ -401,7 +402,9 @@ void NHelioCloudDocsPage::recordFileTypes(const QString& fileType, const QString
         if (urlFileId != readyFileId && m_browser->currentUrl().contains(urlFileId))
             nversioncheckcache::set(urlFileId, fileType);
     }
-    NCefPreloadClient::instance().recordFeatureUsed(NCefPreloadClient::containerName());
+    NOpenUsageRecord::openOnlineFile().record(m_notify_URL, fileType, [](const QString& feature) {
+        NCefPreloadClient::instance().recordFeatureUsed(feature);
+    });
 }
 
 void NHelioCloudDocsPage::onShareDlgReady(const QMap<QString, QString>& info)

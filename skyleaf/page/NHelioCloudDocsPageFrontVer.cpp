@@ -1,34 +1,73 @@
 #include "page/NHelioCloudDocsPage.h"
 
 #include "base/NDocsLog.h"
-#include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "offline/NDOPResourceManager.h"
 #include "page/DocsUrl.h"
 #include "page/OpenEvents.h"
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
 
-// Which version of the front end shows the document, and holding the load back until that is known. Without
-// local packages there is one version, the server's: no run of requests starts, and only the delayed load
-// holds back.
+using NDocsOfflinePage::NDOPConfig;
+using NDocsOfflinePage::NDOPResourceManager;
+
+// Which version of the front end shows the document, and holding the load back until that is known. What the
+// server's answers change is in NHelioCloudDocsPageReplies.cpp.
 
 void NHelioCloudDocsPage::_startNetworkRequest()
 {
     constexpr auto operation = "NHelioCloudDocsPage::_startNetworkRequest";
-    ndocslog::info(QStringLiteral("request data lifetime: %1").arg(nconfigvalues::responseDataLifetimeMs()),
-                   operation);
+    const qint64 lifetimeMs = nconfigvalues::responseDataLifetimeMs();
+    ndocslog::info(QStringLiteral("request data lifetime: %1").arg(lifetimeMs), operation);
+    if (m_replyTimer.isValid() && m_replyTimer.elapsed() > lifetimeMs) {
+        ndocslog::info(QStringLiteral("data expired"), operation);
+        m_networkRequestStarted = false;
+    }
     if (m_networkRequestStarted) {
         ndocslog::info(QStringLiteral("already request"), operation);
         return;
     }
+    const NTimedStep timed(m_steps, QStringLiteral("network_request"));
     const QUrl url(m_notify_URL);
     if (url.path().startsWith(QLatin1String("/office/new/"))) {
         ndocslog::info(QStringLiteral("/office/new/ no need to request"), operation);
         return;
     }
     m_fileId = docsurl::lastSegmentOf(url);
-    if (m_fileId.isEmpty())
+    if (m_fileId.isEmpty()) {
         ndocslog::info(QStringLiteral("empty file id"), operation);
+        return;
+    }
+    if (NDOPConfig::instance().isHybridUrl(url))
+        startRun();
+}
+
+void NHelioCloudDocsPage::startRun()
+{
+    constexpr auto operation = "NHelioCloudDocsPage::_startNetworkRequest";
+    ndocslog::info(QStringLiteral("start request"), operation);
+    m_networkRequestStarted = true;
+    m_pluginName = NDOPConfig::instance().pluginName(m_officeType);
+    QUrl url(m_notify_URL);
+    docsurl::replaceQueryItem(url, QStringLiteral("sdkversion"), QStringLiteral("3.0.7"));
+    m_notify_URL = url.toString(QUrl::FullyEncoded);
+    m_connId = docsurl::newIdentifier();
+    m_injectId = docsurl::newIdentifier();
+    ndocslog::info(QStringLiteral("injectId: %1 connid: %2").arg(m_injectId, m_connId), operation);
+    const auto resources = NDOPResourceManager::instance();
+    resources->createInjectRecord(m_injectId);
+    resources->setInjectConnId(m_injectId, m_connId);
+    resources->setInjectUrl(m_injectId, m_notify_URL);
+
+    ensureRequestTask();
+    NCloudDocsRequestTaskParam param;
+    param.fileId = m_fileId;
+    param.officeType = m_officeType;
+    param.url = m_notify_URL;
+    param.connId = m_connId;
+    param.injectId = m_injectId;
+    m_requestTask->startRequest(param);
+    m_runTimer.start();
 }
 
 void NHelioCloudDocsPage::_waitStartedPreRequest()
@@ -99,45 +138,59 @@ void NHelioCloudDocsPage::onVcsResponseTimeout()
 {
     m_waitingForVcs = false;
     ndocslog::info(QStringLiteral("vcs response is time out"), "NHelioCloudDocsPage::onVcsResponseTimeout");
-    if (m_browser) {
-        normalizeUrl(m_notify_URL);
-        initDocsLocalResource();
-        showUrl();
-    }
+    loadNormalized();
     openevents::post(QStringLiteral("docs_cloud_vcsrequesttimeout"),
                      {{QStringLiteral("notifyUrl"), m_notify_URL}, {QStringLiteral("fileId"), m_fileId}});
 }
 
-void NHelioCloudDocsPage::onRequestTaskFinished(const NCloudDocsRequestTaskResult& result)
+NDOPProxyInfo NHelioCloudDocsPage::proxyInfo(const QString& frontVer) const
 {
-    if (result.fileId != m_fileId)
-        return;
-    m_replyTimer.restart();
-    if (result.replyName.isEmpty())
-        return;
-    m_requestResults.insert(result.replyName, {result.data, result.startTime, result.endTime});
-    if (m_jsObj)
-        m_jsObj->forwardPreloadRequest(result.replyName, result.data, result.startTime, result.endTime);
+    NDOPProxyInfo info;
+    info.fileId = m_fileId;
+    info.officeType = m_officeType;
+    info.frontVer = frontVer;
+    info.injectId = m_injectId;
+    info.connId = m_connId;
+    info.notifyUrl = m_notify_URL;
+    info.pluginName = NDOPConfig::instance().pluginName(m_officeType);
+    info.traceId = m_traceId;
+    return info;
 }
 
 void NHelioCloudDocsPage::initDocsLocalResource()
 {
+    constexpr auto operation = "NHelioCloudDocsPage::initDocsLocalResource";
     NxWebViewContainer* container = m_browser ? m_browser->webViewContainer() : nullptr;
     if (!container || !m_proxyManager)
         return;
-    ndocslog::info(QStringLiteral("requested front ver not availabel"),
-                   "NHelioCloudDocsPage::initDocsLocalResource");
+    if (!m_requestedFrontVer.isEmpty()) {
+        ndocslog::info(QStringLiteral("requested front ver availabel"), operation);
+        _updateProxy(m_requestedFrontVer);
+        return;
+    }
+    ndocslog::info(QStringLiteral("requested front ver not availabel"), operation);
     _checkPreloadDocFramework(container);
+    m_proxyManager->setProxy(proxyInfo());
+}
 
-    NDOPProxyInfo info;
-    info.fileId = m_fileId;
-    info.officeType = m_officeType;
-    info.injectId = m_injectId;
-    info.connId = m_connId;
-    info.notifyUrl = m_notify_URL;
-    info.pluginName = NDocsOfflinePage::NDOPConfig::instance().pluginName(m_officeType);
-    info.traceId = m_traceId;
-    m_proxyManager->setProxy(info);
+void NHelioCloudDocsPage::_updateProxy(const QString& frontVer)
+{
+    constexpr auto operation = "NHelioCloudDocsPage::_updateProxy";
+    NxWebViewContainer* container = m_browser ? m_browser->webViewContainer() : nullptr;
+    if (!container)
+        return;
+    ndocslog::info(QStringLiteral("update proxy"), operation);
+    _checkPreloadDocFramework(container);
+    if (m_proxyManager->updateProxy(proxyInfo(frontVer))) {
+        NDOPResourceManager::instance()->loadLocalResources(m_fileId, m_officeType, frontVer);
+    } else {
+        m_notify_URL = docsurl::withoutLocalPackageItems(m_notify_URL);
+        ndocslog::info(QStringLiteral("params removed"), operation);
+    }
+    showUrl();
+    ndocslog::info(QStringLiteral("load url %1").arg(m_notify_URL), operation);
+    m_delayLoadFinished = true;
+    ndocslog::info(QStringLiteral("set delay load finished"), operation);
 }
 
 bool NHelioCloudDocsPage::_isDelayLoadUrl() const
@@ -147,7 +200,7 @@ bool NHelioCloudDocsPage::_isDelayLoadUrl() const
         ndocslog::info(QStringLiteral("file id is empty"), operation);
         return false;
     }
-    if (NDocsOfflinePage::NDOPConfig::instance().isDopEnabled(m_officeType))
+    if (NDOPConfig::instance().isDopEnabled(m_officeType))
         return nconfigvalues::isDelayedLoadOn();
     ndocslog::info(QStringLiteral("switch off type %1").arg(m_officeType), operation);
     return false;
@@ -162,6 +215,11 @@ void NHelioCloudDocsPage::_delayLoadUrl()
     }
     if (m_delayLoadTimer && m_delayLoadTimer->isActive()) {
         ndocslog::info(QStringLiteral("delay load started"), operation);
+        return;
+    }
+    if (!m_requestedFrontVer.isEmpty() && m_browser && m_browser->webViewContainer()) {
+        ndocslog::info(QStringLiteral("requested front ver %1").arg(m_requestedFrontVer), operation);
+        _updateProxy(m_requestedFrontVer);
         return;
     }
     m_delayLoadTimer = std::make_unique<QTimer>();
@@ -183,7 +241,8 @@ void NHelioCloudDocsPage::onDelayLoadUrl()
         ndocslog::info(QStringLiteral("browser null ptr"), operation);
         return;
     }
-    m_delayLoadTimer.release()->deleteLater();
+    if (m_delayLoadTimer) // it may be the timer that is calling
+        m_delayLoadTimer.release()->deleteLater();
     ndocslog::info(QStringLiteral("desotry delay load timer"), operation);
     initDocsLocalResource();
     showUrl();

@@ -13,9 +13,9 @@
 #include "offline/NDOPResourceManager.h"
 #include "page/DocsUrl.h"
 #include "page/OpenFilesParams.h"
-#include "proxy/NCloudDocsRecordManager.h"
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
+#include "proxy/NVersionCheckCache.h"
 #include "zeolite/JsonHelper.h"
 
 #include <QFileInfo>

@@ -1,10 +1,13 @@
 #pragma once
 
 #include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "zeolite/NPlugin.h"
 
 #include <QObject>
 #include <QPointer>
 #include <QString>
+
+#include <optional>
 
 /** One page load, as the proxy decision needs it. */
 struct NDOPProxyInfo
@@ -20,7 +23,11 @@ struct NDOPProxyInfo
     QString traceId;
 };
 
-/** Decides for one page whether its front end comes from a local package. User-interface thread. */
+/**
+ * Decides for one page whether its front end comes from a local package, and has the browser's requests
+ * answered from it. Every step of the decision is reported; a refusal leaves the page to the server.
+ * User-interface thread.
+ */
 class NCloudDocsPageProxyManager : public QObject
 {
     Q_OBJECT
@@ -35,9 +42,51 @@ public:
     /** Removes what was installed for the page. */
     void removeProxies();
 
+    void addHtmlProxy();
+    void removeHtmlProxy();
+    void addLocalResourceProxy();
+    void removeLocalResourceProxy();
+    void addRequestProxy(const QString& replyName);
+    void removeRequestProxy(const QString& replyName);
+    /** Removes the proxies of all prefetched replies. */
+    void removeRequestProxies();
+
+    bool checkUrl(const QString& notifyUrl);
+    bool checkFrontVerUsableByPck(const QString& frontVer);
+    bool checkFrontVerUsableVcs(const QString& frontVer);
+    bool setProxyUsingLocalPlugin(const QString& path);
+    /** The directory of the page's package plug-in; empty when it cannot be had. */
+    bool loadPackagePlugin(QString& path);
+
+    /** The page load whose proxies are installed. */
+    const NDOPProxyInfo& current() const { return m_current; }
+
+public Q_SLOTS:
+    void slog_pluginLoaded();
+
 private:
+    struct HtmlProxy
+    {
+        QString origin;
+        QString packagePath;
+        QString injectId;
+    };
+    struct LocalResourceProxy
+    {
+        QString origin;
+        QString packagePath;
+    };
+
     bool isBrowserReady() const;
+    bool isFrontVerUsable(const QString& frontVer);
+    bool setProxyUsingRecord();
+    void report(const char* step, const QString& error = QStringLiteral("no_error"),
+                const std::optional<QString>& resetFrontVer = std::nullopt) const;
 
     QPointer<NHelioBrowserWidgetBase> m_browser;
+    NDOPProxyInfo m_current;
     NDOPProxyInfo m_requested;
+    HtmlProxy m_htmlProxy;
+    LocalResourceProxy m_localResourceProxy;
+    NPluginPtr m_plugin;
 };

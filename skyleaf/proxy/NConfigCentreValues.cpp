@@ -18,6 +18,8 @@ constexpr int delayedLoadItem = 59777;
 constexpr int versionCheckItem = 62377;
 constexpr int proxyResetItem = 60994;
 constexpr int protocolsItem = 64146;
+constexpr int preloadingItem = 59743;
+constexpr int openFrequencyItem = 55884;
 
 NFpccomb* centre()
 {
@@ -114,6 +116,37 @@ int versionCheckTimeoutMs()
     static NReadOnce<int> interval(
         [] { return integer(versionCheckItem, "vcsRequestTimeoutInterval", 300); });
     return qMax(0, interval());
+}
+
+int versionCheckCacheDays()
+{
+    static NReadOnce<int> days([] { return integer(versionCheckItem, "vcsCacheExpiredDays", 30); });
+    return days();
+}
+
+bool isPreloadingOn()
+{
+    const NFpccomb* configuration = centre();
+    if (!configuration || !configuration->hasInitFinished(addOnGroup))
+        return false;
+    static NReadOnce<bool> on([] { return isEnabled(preloadingItem); });
+    return on();
+}
+
+OpenFrequency openFrequency()
+{
+    static NReadOnce<OpenFrequency> frequency([] {
+        const OpenFrequency defaults;
+        OpenFrequency read;
+        read.daysThreshold = integer(openFrequencyItem, "daysThreshold", defaults.daysThreshold);
+        read.highFrequencyThreshold =
+            integer(openFrequencyItem, "highFrequencyThreshold", defaults.highFrequencyThreshold);
+        read.mediumFrequencyThreshold =
+            integer(openFrequencyItem, "mediumFrequencyThreshold", defaults.mediumFrequencyThreshold);
+        read.recordExpiredDays = integer(openFrequencyItem, "recordExpiredDays", defaults.recordExpiredDays);
+        return read;
+    });
+    return frequency();
 }
 
 bool isProxyResetOn()

@@ -19,7 +19,21 @@ int delayIntervalMs();
 bool isVersionCheckOn();
 /** How long a page waits for the version check, in milliseconds. */
 int versionCheckTimeoutMs();
+/** The time of the version-check cache's entries, in days. */
+int versionCheckCacheDays();
 bool isProxyResetOn();
+/** Whether the files of local packages are read into memory; false until the centre knows the add-on's group.
+ */
+bool isPreloadingOn();
+/** How often online documents are opened counts as often, and for how long counts are kept. */
+struct OpenFrequency
+{
+    int daysThreshold = 7;
+    int highFrequencyThreshold = 10;
+    int mediumFrequencyThreshold = 5;
+    int recordExpiredDays = 30;
+};
+OpenFrequency openFrequency();
 /** Whether a document that opens several ways is opened with the help of the sync module. */
 bool isSyncAssistOn();
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <QByteArray>
+#include "server/NCloudDocsRequestTaskResult.h"
+#include "server/NHelioCloudDocsNetwork.h"
+
 #include <QJsonObject>
 #include <QList>
 #include <QNetworkCookie>
 #include <QObject>
-#include <QPair>
 #include <QString>
 
 /** One run of a page's server requests. */
@@ -22,27 +23,16 @@ struct NCloudDocsRequestTaskParam
     QString injectId;
 };
 
-/** One reply of the documents server. Times are milliseconds since the epoch. */
-struct NCloudDocsRequestTaskResult
-{
-    QString replyName;
-    QString fileId;
-    QString officeType;
-    QString connId;
-    QString injectId;
-    qint64 startTime = 0;
-    qint64 endTime = 0;
-    QString frontVer;
-    QByteArray data;
-};
-Q_DECLARE_METATYPE(NCloudDocsRequestTaskResult)
-
-/** Drives the documents server client of one page. User-interface thread; owned by the page. */
+/**
+ * Drives the documents server client of one page and turns its replies into results. User-interface thread;
+ * owned by the page.
+ */
 class NCloudDocsRequestTask : public QObject
 {
     Q_OBJECT
 public:
     explicit NCloudDocsRequestTask(QObject* page);
+    ~NCloudDocsRequestTask() override;
 
     /** Starts a run, unless no local package is available for the document. */
     void startRequest(const NCloudDocsRequestTaskParam& param);
@@ -50,13 +40,43 @@ public:
     void startVcsRequest(const QString& key);
     void startDataUpgrade(const QString& url, const QString& packageInfo, const QString& filePath);
     void startDownloadFileFromURL(const QString& url, const QString& savePath);
-    bool hasStartedPreRequest() const { return false; }
+    /** Whether the file's requests of the last run were sent. */
+    bool hasStartedPreRequest() const { return m_client->hasStartedPreRequest(); }
     QJsonObject getOpenFileRequestBody() const;
-    QList<QPair<QByteArray, QByteArray>> getOpenFileResponseHeaders() const;
+    NHelioCloudDocsNetwork::HeaderPairs getOpenFileResponseHeaders() const;
 
 Q_SIGNALS:
     void requestTaskFinished(const NCloudDocsRequestTaskResult& result);
     void sigStartedPreRequest();
     void sigRequestFromApiFinished(const QString& replyName, const QByteArray& data);
     void sigAppendResponseCookies(const QList<QNetworkCookie>& cookies);
+
+public Q_SLOTS:
+    void onStartedPreRequest();
+    void onCloudDocRequestFinished(const QString& replyName, const QString& officeType,
+                                   const QByteArray& body, qint64 startMs, qint64 endMs,
+                                   const QString& frontVer);
+
+private:
+    bool m_mustUpgrade = false;
+    qint64 m_buildTime = 0;
+    qint64 m_second = 0;
+    QString m_fileId;
+    QString m_officeType;
+    QString m_url;
+    QString m_frontVer;
+    QString m_connId;
+    QString m_injectId;
+    NHelioCloudDocsNetwork* m_client;
 };
+
+/** What a run rests on. */
+namespace nrequestrun {
+
+/** The package that serves the file: of the version that it was opened with last, else the plug-in's; may be
+ * empty. */
+QString retrieveDopPluginPath(const NCloudDocsRequestTaskParam& param);
+/** Whether the server said that the version must not be used any more for the URL's office type. */
+bool isFrontVerMustUpgrade(const QString& frontVer, const QString& url);
+
+} // namespace nrequestrun

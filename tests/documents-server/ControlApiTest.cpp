@@ -28,11 +28,20 @@ protected:
         return ask("PUT", "/_control/" + resource, body).reply.status;
     }
 
+    static QByteArray header(const HttpReply& reply, const QByteArray& name)
+    {
+        for (const auto& field : reply.headers) {
+            if (field.first == name)
+                return field.second;
+        }
+        return {};
+    }
+
     TemporarySite place;
     DocumentStore store{place.documents(), [] { return 0; }};
     LinkShaper shaper;
     RequestLog log;
-    DocumentsService service{store, place.site(), [] { return 0; }, shaper, log};
+    DocumentsService service{store, place.site(), place.packages(), [] { return 0; }, shaper, log};
 };
 
 TEST_F(ControlApiTest, shapingChangesWhatIsNamed)
@@ -70,6 +79,32 @@ TEST_F(ControlApiTest, versionsReplaceTheSitesOwn)
     EXPECT_TRUE(info("word").contains("2.5.0"));
 }
 
+TEST_F(ControlApiTest, documentsOfOneKindRunDifferentVersions)
+{
+    const auto versions = [this](const QByteArray& id) {
+        const QJsonObject check =
+            QJsonDocument::fromJson(ask("GET", "/api/v3/office/prefetch/vcs/" + id).reply.body).object();
+        const QJsonObject config =
+            QJsonDocument::fromJson(ask("GET", "/office-config/" + id + "?part=config").reply.body).object();
+        return std::pair(check.value(QLatin1String("client_version")).toString().toStdString(),
+                         config.value(QLatin1String("config"))
+                             .toObject()
+                             .value(QLatin1String("front_ver"))
+                             .toString()
+                             .toStdString());
+    };
+    using Pair = std::pair<std::string, std::string>;
+    ASSERT_TRUE(store.create(QStringLiteral("w"), {}));
+    EXPECT_EQ(put("versions", R"({"word":{"front_ver":"3.0"},"files":{"100001":{"front_ver":"2.9"}}})"), 200);
+    EXPECT_EQ(versions("100001"), Pair("2.9", "2.9"));
+    EXPECT_EQ(versions("100003"), Pair("3.0", "3.0"));
+    EXPECT_EQ(versions("100002"), Pair("2.5.0", "2.5.0")) << "another kind of document";
+    for (const char* wrong : {R"({"files":[]})", R"({"files":{"x":{}}})", R"({"files":{"1":{"x":1}}})",
+                              R"({"word":{"front_ver":"4"},"files":{"1":2}})"})
+        EXPECT_EQ(put("versions", wrong), 400) << wrong;
+    EXPECT_EQ(versions("100003"), Pair("3.0", "3.0"));
+}
+
 TEST_F(ControlApiTest, faultsSpoilTheAnswersUnderTheirPrefix)
 {
     EXPECT_EQ(put("fault", "{\"/api/\":{\"status\":503},"
@@ -97,20 +132,69 @@ TEST_F(ControlApiTest, faultsSpoilTheAnswersUnderTheirPrefix)
     EXPECT_EQ(ask("GET", "/api/v3/office/files").reply.status, 200);
 }
 
+TEST_F(ControlApiTest, faultsChangeWhatIsSentAndRunOut)
+{
+    EXPECT_EQ(put("fault", R"({"/p/":{"status":302,"location":"/elsewhere","times":2},)"
+                           R"("/static/":{"size":50000000,"body":"start"},)"
+                           R"("/office-config/":{"body":"[1]","times":1}})"),
+              200);
+    for (const int status : {302, 302, 200})
+        EXPECT_EQ(ask("GET", "/p/100001").reply.status, status);
+    EXPECT_EQ(put("fault", R"({"/p/":{"status":302,"location":"/elsewhere"}})"), 200);
+    EXPECT_EQ(header(ask("GET", "/p/100001").reply, "Location"), QByteArray("/elsewhere"));
+
+    EXPECT_EQ(
+        put("fault", R"({"/static/":{"size":50000000,"body":"start"},"/office-config/":{"body":"[1]"}})"),
+        200);
+    const HttpReply large = ask("GET", "/static/app.css").reply;
+    EXPECT_EQ(large.body.size(), 50'000'000);
+    EXPECT_TRUE(large.body.startsWith("start."));
+    EXPECT_EQ(header(large, "ETag"), QByteArray()) << "nothing that a cache could keep";
+    EXPECT_EQ(header(large, "Cache-Control"), QByteArray("no-store"));
+    EXPECT_EQ(ask("GET", "/office-config/100001").reply.contentType,
+              QByteArray("application/json; charset=utf-8"));
+    for (const char* wrong : {R"({"/a":{"location":"x\r\ny"}})", R"({"/a":{"location":""}})",
+                              R"({"/a":{"size":1e12}})", R"({"/a":{"times":0}})"})
+        EXPECT_EQ(put("fault", wrong), 400) << wrong;
+}
+
 TEST_F(ControlApiTest, theLogShowsOtherPeoplesRequests)
 {
-    log.record({12, "GET", "/p/1", 404, 99, "agent", "a=1"});
-    log.record({13, "GET", "/_control/log", 200, 1, {}, {}});
-    const auto reply = ask("GET", "/_control/log").reply;
-    EXPECT_EQ(
-        reply.body,
-        QByteArray(
-            "{\"requests\":[{\"bytes\":99,\"cookie\":\"a=1\",\"method\":\"GET\",\"status\":404,\"t\":12,"
-            "\"target\":\"/p/1\",\"userAgent\":\"agent\"}],\"result\":\"ok\"}"));
+    log.record({12,
+                "POST",
+                "/p/1",
+                404,
+                99,
+                {{"User-Agent", "agent"}, {"Cookie", "a=1"}, {"Origin", "o"}},
+                loggedBody("POST", "text")});
+    log.record({13, "GET", "/_control/log", 200, 1});
+    log.record({14, "GET", "/p/2", 200, 1, {{"X-Cookie", "b"}}, loggedBody("GET", "text")});
+    const QJsonObject reply = QJsonDocument::fromJson(ask("GET", "/_control/log").reply.body).object();
+    EXPECT_EQ(reply.value(QLatin1String("last")), 2);
+    const QJsonArray requests = reply.value(QLatin1String("requests")).toArray();
+    ASSERT_EQ(requests.size(), 2);
+    EXPECT_EQ(QJsonDocument(requests.at(0).toObject()).toJson(QJsonDocument::Compact),
+              QByteArray(R"({"body":"text","bytes":99,"cookie":"a=1",)"
+                         R"("headers":{"cookie":"a=1","origin":"o","user-agent":"agent"},)"
+                         R"("method":"POST","origin":"o","seq":1,"status":404,"t":12,"target":"/p/1",)"
+                         R"("userAgent":"agent"})"));
+    EXPECT_EQ(requests.at(1).toObject().value(QLatin1String("body")), QString());
+    EXPECT_EQ(loggedBody("POST", QByteArray(5000, 'x')).size(), 4096);
+
     for (int i = 0; i < 1500; ++i)
-        log.record({i, "GET", "/", 200, 1, {}, {}});
+        log.record({i, "GET", "/", 200, 1});
     EXPECT_EQ(log.recent().size(), 1000);
-    EXPECT_EQ(log.recent().last().toObject().value(QLatin1String("t")), 1499);
+    EXPECT_EQ(log.recent().first().toObject().value(QLatin1String("seq")), 503);
+    const auto since = [this](const QByteArray& query) {
+        return QJsonDocument::fromJson(ask("GET", "/_control/log" + query).reply.body)
+            .object()
+            .value(QLatin1String("requests"))
+            .toArray();
+    };
+    ASSERT_EQ(since("?since=1501").size(), 1);
+    EXPECT_EQ(since("?since=1501").at(0).toObject().value(QLatin1String("t")), 1499);
+    EXPECT_EQ(since("?since=1502").size(), 0);
+    EXPECT_EQ(ask("GET", "/_control/log?since=x").reply.status, 400);
     EXPECT_EQ(ask("PUT", "/_control/log").reply.status, 405);
     EXPECT_EQ(ask("GET", "/_control/shaping").reply.status, 405);
     EXPECT_EQ(put("nothing", "{}"), 404);

@@ -47,7 +47,7 @@ protected:
     DocumentStore store{place.documents(), [this] { return now; }};
     LinkShaper shaper;
     RequestLog log;
-    DocumentsService service{store, place.site(), [this] { return now; }, shaper, log};
+    DocumentsService service{store, place.site(), place.packages(), [this] { return now; }, shaper, log};
     QByteArray cookie;
 };
 
@@ -209,6 +209,43 @@ TEST_F(DocumentsServiceTest, versionsComeFromTheSite)
 
     place.add("site/version", "\n");
     EXPECT_EQ(text(ask("GET", "/api/v3/office/prefetch/vcs/100002"), "client_version"), "1.0.0");
+}
+
+TEST_F(DocumentsServiceTest, packagesAreDescribedAndHandedOut)
+{
+    const QByteArray directory = "/api/v3/office/package/";
+    place.add("packages/quillword-2.5.0.zip", "abc");
+    place.add("packages/quill-2.5.0.zip", "other");
+    place.add("packages/quillword-9.9.zip", "of another version");
+    EXPECT_EQ(
+        json(ask("GET", directory + "quillword")),
+        (QJsonObject{{QStringLiteral("name"), QStringLiteral("quillword")},
+                     {QStringLiteral("version"), QStringLiteral("2.5.0")},
+                     {QStringLiteral("url"), QStringLiteral("/api/v3/office/package/quillword/2.5.0.zip")},
+                     {QStringLiteral("size"), 3},
+                     {QStringLiteral("sha256"),
+                      QStringLiteral("ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad")}}));
+    place.add("packages/quillword-2.5.0.zip", "abcd");
+    EXPECT_EQ(text(ask("GET", directory + "quillword"), "sha256"),
+              "88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589");
+
+    const HttpReply file = ask("GET", directory + "quillword/2.5.0.zip");
+    EXPECT_EQ(file.contentType, QByteArray("application/zip"));
+    EXPECT_EQ(file.bodySize(), 4);
+    HttpRequest again;
+    again.method = "GET";
+    again.target = directory + "quillword/2.5.0.zip";
+    again.ifNoneMatch = header(file, "ETag");
+    EXPECT_EQ(service.answer(again).reply.status, 304);
+    EXPECT_EQ(ask("GET", directory + "quillword/9.9.zip").bodySize(), 18);
+
+    for (const char* missing : {"quillvs", "word", "nothing", "quillword/2.5.1.zip", "quillword/2.5.0.tar",
+                                "quillword/..%2Fquill-2.5.0.zip", "..%2Fsecret/1.zip", "quillword/.zip"}) {
+        const HttpReply reply = ask("GET", directory + missing);
+        EXPECT_EQ(reply.status, 404) << missing;
+        EXPECT_EQ(text(reply, "result"), "NotFound") << missing;
+    }
+    EXPECT_EQ(ask("POST", directory + "quillword").status, 405);
 }
 
 TEST_F(DocumentsServiceTest, aSessionStartsOnce)

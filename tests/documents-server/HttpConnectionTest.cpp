@@ -25,6 +25,7 @@ protected:
         ServerOptions options;
         options.documentsDirectory = place.documents();
         options.siteDirectory = place.site();
+        options.packageDirectory = place.packages();
         options.httpPort = 0;
         options.httpsPort = 0;
         options.accessLog = place.path("access.log");
@@ -90,6 +91,29 @@ TEST_F(HttpConnectionTest, tlsServesTheSameUnderItsCertificate)
                 HasSubstr("__VLTENV__"));
     EXPECT_THROW(HttpClient(server->httpsPort(), server->certificatePem(), "elsewhere.test"),
                  boost::system::system_error);
+}
+
+TEST_F(HttpConnectionTest, packagesAreSentFromTheirFile)
+{
+    QByteArray package(3'000'001, Qt::Uninitialized);
+    for (int i = 0; i < package.size(); ++i)
+        package[i] = static_cast<char>(i * 31 + i / 4096);
+    place.add("packages/quillword-2.5.0.zip", package);
+    const std::string target = "/api/v3/office/package/quillword/2.5.0.zip";
+    HttpClient client = connect();
+    EXPECT_TRUE(client.ask("GET", target).body() == package.toStdString());
+    EXPECT_EQ(client.ask("HEAD", target)[http::field::content_length], "3000001");
+    tell(client, "shaping", R"({"kbps":1000000})");
+    EXPECT_TRUE(client.ask("GET", target).body() == package.toStdString());
+    HttpClient tls(server->httpsPort(), server->certificatePem(), "docs.skyleaf.test");
+    EXPECT_TRUE(tls.ask("GET", target).body() == package.toStdString());
+
+    HttpClient other = connect();
+    tell(client, "fault", R"({"/api/v3/office/package/":{"cutAfter":2000000}})");
+    other.send("GET " + target + " HTTP/1.1\r\n\r\n");
+    std::string received;
+    EXPECT_THROW(for (;;) received += other.receiveSome(), boost::system::system_error);
+    EXPECT_EQ(received.size() - received.find("\r\n\r\n") - 4, 2'000'000U);
 }
 
 TEST_F(HttpConnectionTest, brokenRequestsAreToldSo)
@@ -201,8 +225,10 @@ TEST_F(HttpConnectionTest, theAccessLogTellsOfEveryRequest)
     EXPECT_THAT(lines.at(1).toStdString(), HasSubstr("/_control/log"));
     EXPECT_THAT(lines.first().toStdString(),
                 testing::MatchesRegex(
-                    "\\{\"bytes\":[0-9]+,\"cookie\":\"a=1\",\"method\":\"GET\",\"status\":200,"
-                    "\"t\":1700000000000,\"target\":\"/p/100001\\?x=%22\",\"userAgent\":\"tester\"\\}"));
+                    "\\{\"body\":\"\",\"bytes\":[0-9]+,\"cookie\":\"a=1\",\"headers\":\\{.*"
+                    "\"host\":\"docs.skyleaf.test\",\"user-agent\":\"tester\"\\},\"method\":\"GET\","
+                    "\"origin\":\"\",\"status\":200,\"t\":1700000000000,\"target\":\"/p/100001\\?x=%22\","
+                    "\"userAgent\":\"tester\"\\}"));
 }
 
 TEST_F(HttpConnectionTest, savesFromManyConnectionsNeverOverwriteEachOther)

@@ -35,6 +35,8 @@ TEST_F(ServerOptionsTest, readsValuesAndDefaults)
     EXPECT_EQ(plain->httpPort, 18080);
     EXPECT_EQ(plain->httpsPort, 18443);
     EXPECT_EQ(plain->link.kbps, 0);
+    EXPECT_TRUE(plain->packageDirectory.isEmpty());
+    EXPECT_EQ(parse({QStringLiteral("--packages"), place.site()})->packageDirectory, place.site());
     EXPECT_THAT(plain->hostNames, ElementsAre("localhost", "127.0.0.1", "docs.skyleaf.test"));
 
     const auto full = parse(words("--http-port 0 --https-port=65535 --rtt-ms 40 --kbps 5000 --ready-file r "
@@ -66,6 +68,7 @@ TEST_F(ServerOptionsTest, mistakesAreNamed)
         {"--ready-file=", "--ready-file"},
         {"--kbps", "kbps"},
         {"--site /nowhere/at/all", "--site"},
+        {"--packages /nowhere/at/all", "--packages"},
     };
     for (const auto& entry : cases) {
         const auto options = parse(words(entry.arguments));

@@ -76,8 +76,16 @@ TEST(StaticSite, knownFilesAreNotSentAgain)
         EXPECT_EQ(reply->body.isEmpty(), entry.status == 304);
         EXPECT_EQ(header(*reply, "ETag"), tag);
     }
-    EXPECT_EQ(header(*first, "Cache-Control"), QByteArray("public, max-age=600"));
-    EXPECT_EQ(header(*site.file({QStringLiteral("home.html")}, {}), "Cache-Control"), QByteArray("no-cache"));
+    EXPECT_EQ(header(*first, "Cache-Control"), QByteArray("no-cache"));
+
+    place.add("site/sw.js", "worker");
+    place.add("site/static/sw.js", "no worker");
+    const auto worker = site.file({QStringLiteral("sw.js")}, {});
+    EXPECT_EQ(header(*worker, "Service-Worker-Allowed"), QByteArray("/"));
+    EXPECT_EQ(header(*worker, "Cache-Control"), QByteArray("no-cache"));
+    EXPECT_EQ(
+        header(*site.file({QStringLiteral("static"), QStringLiteral("sw.js")}, {}), "Service-Worker-Allowed"),
+        QByteArray());
 
     place.add("site/weboffice-static/js/app.js", "new script");
     EXPECT_NE(header(*site.file(path, {}), "ETag"), tag);

@@ -14,12 +14,15 @@ const dom = new JSDOM(html, { url: 'https://docs.skyleaf.test/p/7?officeType=w' 
 const page = dom.window;
 globalThis.window = page;
 globalThis.document = page.document;
+globalThis.Node = page.Node;
+globalThis.DOMParser = page.DOMParser;
 page.requestAnimationFrame = (fn) => fn(0);
 const marks = [];
 page.performance.mark = (name) => marks.push(name);
 page.performance.clearMarks = (name) => marks.splice(0, marks.length, ...marks.filter((mark) => mark !== name));
 
 const { DocumentScreen } = await import('../../demo/webapp/src/document/DocumentScreen.js');
+const { EarlyOpening } = await import('../../demo/webapp/src/document/EarlyOpening.js');
 const { DocumentsApi } = await import('../../demo/webapp/src/document/DocumentsApi.js');
 const { EditorRegistry } = await import('../../demo/webapp/src/document/EditorRegistry.js');
 const { NativeSide } = await import('../../demo/webapp/src/document/NativeSide.js');
@@ -53,7 +56,7 @@ function fakeEditor() {
 }
 
 /** A page at `url` with the given injected values, its server without rules yet. */
-function start(url, inject) {
+function start(url, inject, { typeCode = 'w', early = false } = {}) {
   page.history.replaceState(null, '', url);
   page.__INJECT__ = inject;
   page.__DOCS_STATE__ = undefined;
@@ -62,10 +65,15 @@ function start(url, inject) {
   const server = new FakeServer();
   const editors = new EditorRegistry();
   const editor = fakeEditor();
+  page.fetch = (at, init) => server.fetch(at, init);
+  const begun = early ? new EarlyOpening({ owner: page, typeCode, fileId: '7', frontVersion: '3.2' }) : null;
+  if (begun) begun.showStored(page.document);
   const screen = new DocumentScreen({
     window: page,
-    typeCode: 'w',
-    api: new DocumentsApi(server.fetch),
+    typeCode,
+    frontVersion: '3.2',
+    early: begun,
+    api: new DocumentsApi((at, init) => server.fetch(at, init)),
     frame: new PageFrame(page.document),
     editors,
     native: new NativeSide(page),
@@ -81,34 +89,128 @@ test('a prefetched document opens, with the connection id of the desktop side, a
   await screen.open();
   await settled();
   assert.deepEqual(told, [['webFileReady', { fileId: '7', fileName: 'Plan.docx', fileType: 'word' }]]);
-  assert.deepEqual(state(), {
-    fileId: '7', officeType: 'w', visible: true, editable: true, saved: true, error: null,
-    source: { preopen: 'local', envConfig: 'local' },
+  const { times, ...rest } = state();
+  assert.deepEqual(rest, {
+    fileId: '7', officeType: 'w', frontVersion: '3.2', visible: true, editable: true, saved: true, error: null,
+    visibleFrom: 'prefetched', contentFrom: 'prefetched', source: { preopen: 'local', envConfig: 'local' },
   });
+  assert.ok(Math.abs(times.editable - Date.now()) < 60000 && times.visible <= times.editable, JSON.stringify(times));
   assert.equal(page.document.title, 'Plan.docx');
   assert.equal(textOf('front-version'), 'Front end 3.2');
-  assert.deepEqual([...marks].sort(), ['docs-editable', 'docs-text-visible']);
+  assert.deepEqual(marks.filter((mark) => /text-visible|editable/.test(mark)), ['docs-text-visible', 'docs-editable']);
 });
 
-test('injected content is shown, not editable, and stays when the server is away', async () => {
-  const inject = { _LOCAL_INJECT_DATA: { content: doc('kept here') }, _LOCAL_INJECT_DATA_FILEINFO: { name: 'Kept.docx' } };
-  const { screen, told, state } = start('/p/7?officeType=w', inject);
-  await screen.open();
-  assert.equal(state().visible, true);
-  assert.equal(state().editable, false);
+/** A page whose local copy says `text` (at `version`, when given), in an editor. */
+async function startCopy(text, version, options) {
+  const content = version ? { file_version: version, content: doc(text) } : doc(text);
+  const inject = { _LOCAL_CONNID: 'abc', _LOCAL_INJECT_DATA: { content }, _LOCAL_INJECT_DATA_FILEINFO: { name: 'Kept.docx' } };
+  const copy = start('/p/7?officeType=w', inject, options);
+  copy.editors.register('w', copy.editor.mount);
+  let answer;
+  const serve = copy.server.fetch;
+  const held = new Promise((resolve) => { answer = resolve; });
+  copy.server.fetch = async (url, init) => (await (/preopen/.test(url) && held), serve(url, init));
+  copy.answer = async (reply) => {
+    if (reply) copy.server.answer(/preopen/, { body: { ...reply, 'window.__VLTENV__': { ...reply['window.__VLTENV__'], file_version: 4 } } });
+    answer();
+    for (let turn = 0; turn < 20; ++turn) await settled();
+  };
+  return copy;
+}
+
+test('a local copy is edited at once, and what the server answers decides how it goes on', async () => {
+  const edited = doc('typed');
+  const cases = [
+    { name: 'the same', local: 'one', server: 'one', mounts: 1, saved: null },
+    { name: 'the same, typed since', local: 'one', server: 'one', edit: true, mounts: 1, saved: [4, edited] },
+    { name: 'newer', local: 'one', server: 'two', mounts: 2, saved: null },
+    { name: 'newer, the copy of an older version', local: 'one', version: 3, server: 'two', mounts: 2, saved: null },
+    { name: 'the copy holds unsent changes', local: 'mine', version: 4, server: 'two', mounts: 1, saved: [4, doc('mine')] },
+    { name: 'newer, typed since', local: 'one', server: 'two', edit: true, mounts: 1, saved: null, conflict: true },
+    { name: 'older than the copy', local: 'one', version: 9, server: 'two', mounts: 1, saved: null, conflict: true },
+  ];
+  for (const { name, local, version, server, edit, mounts, saved, conflict = false } of cases) {
+    const copy = await startCopy(local, version);
+    await copy.screen.open();
+    assert.equal(copy.state().editable, true, name);
+    assert.equal(copy.state().contentFrom, 'injected', name);
+    assert.equal(page.document.title, 'Kept.docx', name);
+    if (edit) copy.editor.edit(edited);
+    await copy.screen.save();
+    assert.ok(!copy.server.requests.some(({ method }) => method === 'PUT'), `${name}: sent without a version`);
+    await copy.answer(preopenReply('7', server));
+    copy.server.answer(/content/, { body: { result: 'ok', file_version: 5 } });
+    await copy.screen.save();
+    const put = copy.server.requests.find(({ method }) => method === 'PUT');
+    assert.deepEqual(put ? [put.body.base_version, put.body.content] : null, saved, name);
+    assert.equal(copy.editor.mounted.length, mounts, name);
+    assert.equal(copy.state().contentFrom, mounts === 2 ? 'network' : 'injected', name);
+    assert.equal(/changed elsewhere/.test(textOf('notices')), conflict, name);
+    assert.equal(copy.screen.leavingLosesChanges(), conflict, name);
+    assert.equal(copy.told.length, 1, name);
+  }
+});
+
+test('a local copy stays, and says so, while the server is away', async () => {
+  const copy = await startCopy('kept here');
+  await copy.screen.open();
+  await copy.answer(null);
   assert.match(textOf('document-place'), /kept here/);
-  assert.equal(page.document.title, 'Kept.docx');
-  assert.match(problem(), /could not be opened.*could not be reached.*Retry/);
-  assert.deepEqual(told, []);
+  assert.match(textOf('notices'), /copy on this computer.*could not be reached.*Try again/);
+  copy.editor.edit(doc('typed'));
+  assert.equal(copy.screen.leavingLosesChanges(), true);
+  copy.server.answer(/preopen/, { body: preopenReply('7', 'kept here') }).answer(/content/, { body: { result: 'ok', file_version: 2 } });
+  page.document.querySelector('[data-notice=unconfirmed] button').click();
+  for (let turn = 0; turn < 20; ++turn) await settled();
+  await copy.screen.save();
+  assert.equal(textOf('save-state'), 'Saved');
+  assert.equal(page.document.querySelector('[data-notice=unconfirmed]'), null);
+});
+
+test('a copy that the editor cannot read gives way to the server; a used copy is not shown for the next document', async () => {
+  const broken = await startCopy('x');
+  page.__INJECT__._LOCAL_INJECT_DATA.content = { type: 'odd', content: [null] };
+  const open = broken.screen.open();
+  await broken.answer(preopenReply('7', 'From the server'));
+  await open;
+  assert.match(textOf('document-place'), /From the server/);
+
+  page.history.replaceState(null, '', '/p/9?officeType=w');
+  broken.server.answer(/9\/preopen/, { body: preopenReply('9', 'Another') });
+  await broken.screen.open();
+  assert.deepEqual(broken.editor.mounted, [doc('From the server'), doc('Another')]);
 });
 
 test('a kept rendering is shown without what it could run', async () => {
-  const csr = '<p onclick="x()">shown<\\/p><script>window.ran = true<\\/script><iframe src="/"><\\/iframe>';
+  const csr = '<p onclick="x()" style="color:red">shown <b>bold<\\/b><\\/p><script>window.ran = true<\\/script><iframe src="/"><\\/iframe>'
+    + '<custom-tag><a href="javascript:x()">link<\\/a><a href="https://a.test/">ok<\\/a><\\/custom-tag><img src="x:y" onerror="x()">'
+    + '<table><tbody><tr><td colspan="2" class="c">cell<\\/td><\\/tr><\\/tbody><\\/table><svg><style>p{}<\\/style><\\/svg>';
   const { screen } = start('/p/7', { _LOCAL_INJECT_CACHE: { csr } });
   await screen.open();
-  const place = page.document.getElementById('document-place');
-  assert.equal(place.querySelector('.preview p').outerHTML, '<p>shown</p>');
-  assert.equal(place.querySelector('script, iframe'), null);
+  assert.equal(page.document.querySelector('.preview > .text-page').innerHTML,
+    '<p>shown <b>bold</b></p><a>link</a><a href="https://a.test/">ok</a><img><table><tbody><tr><td colspan="2">cell</td></tr></tbody></table>');
+});
+
+test('what the page began before its scripts is taken over, and asked once', async () => {
+  const inject = { _LOCAL_CONNID: 'abc', _LOCAL_INJECT_CACHE: { csr: '<p>early<\\/p>' } };
+  const { screen, server, editors, editor, state } = start('/p/7?officeType=w', inject, { early: true });
+  assert.match(textOf('document-place'), /early/);
+  assert.deepEqual([state().visible, state().visibleFrom, state().editable], [true, 'injected', false]);
+  const asked = server.requests.length;
+  assert.equal(asked, 2);
+  editors.register('w', editor.mount);
+  server.answer(/preopen/, { body: preopenReply('7', 'Plan') }).answer(/plugin_config/, { body: {} });
+  await screen.open();
+  assert.deepEqual(editor.mounted, [doc('Plan')]);
+  assert.equal(state().contentFrom, 'network');
+  assert.deepEqual(server.requests.slice(asked).filter(({ url }) => /proxy=true/.test(url)), []);
+});
+
+test('a kind without an editor says so', async () => {
+  const { screen, server } = start('/p/7?officeType=d', undefined, { typeCode: 'd' });
+  await screen.open();
+  assert.match(problem(), /No editor for this kind yet.*"d" \(Database\)/);
+  assert.equal(server.requests.length, 0);
 });
 
 test('what is missing is said: document, editor script, readable content, configuration', async () => {

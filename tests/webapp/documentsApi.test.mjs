@@ -4,12 +4,16 @@ import { DocumentsApi } from '../../demo/webapp/src/document/DocumentsApi.js';
 import { requestJson } from '../../demo/webapp/src/document/requestJson.js';
 import { FakeServer } from './support/FakeServer.mjs';
 
+const local = { 'x-client-proxy': 'true' };
+
 test('a local answer is recognised and not asked again', async () => {
-  const server = new FakeServer().answer(/preopen/, { body: { a: 1 }, headers: { 'x-client-proxy': 'true' } });
-  const reply = await new DocumentsApi(server.fetch).preopen('100001', 'w', 'c0');
+  const server = new FakeServer().answer(/config/, { body: { a: 1 }, headers: local });
+  const reply = await new DocumentsApi(server.fetch).envConfig('100001', 'c0');
   assert.deepEqual(reply, { ok: true, value: { a: 1 }, source: 'local' });
   assert.deepEqual(server.requests, [{
-    url: '/api/v3/office/file/100001/preopen/word?proxy=true&connid=c0&timeout=5000', method: 'POST', body: { connid: 'c0' },
+    url: '/office-config/100001?part=file_info,font_name_map,config,plugin_config&proxy=true&connid=c0&timeout=5000',
+    method: 'GET',
+    body: undefined,
   }]);
 });
 
@@ -34,11 +38,17 @@ test('the second failure is the one that is told', async () => {
   assert.equal(server.requests.length, 2);
 });
 
-test('a rendering for a preview is asked once only', async () => {
-  const server = new FakeServer();
-  const reply = await new DocumentsApi(server.fetch).rendered('1', 'c');
-  assert.equal(reply.reason, 'network');
-  assert.equal(server.requests.length, 1);
+test('a local answer of the wrong shape is asked once more, from the network; the network\'s own is not', async () => {
+  const calls = {
+    preopen: (api) => api.preopen('7', 'w', 'c'), envConfig: (api) => api.envConfig('7', 'c'), rendered: (api) => api.rendered('7', 'c'),
+  };
+  for (const [name, call] of Object.entries(calls)) {
+    const server = new FakeServer().answer(/proxy=true/, { body: [1], headers: local }).answer(/^[^&]*$/, { body: { c: 3 } });
+    assert.deepEqual(await call(new DocumentsApi(server.fetch)), { ok: true, value: { c: 3 }, source: 'network' }, name);
+    const direct = new FakeServer().answer(/proxy=true/, { body: [1] });
+    assert.deepEqual((await call(new DocumentsApi(direct.fetch))).value, [1], name);
+    assert.equal(direct.requests.length, 1, name);
+  }
 });
 
 test('a save names the version that it rests on', async () => {

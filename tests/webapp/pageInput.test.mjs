@@ -26,7 +26,9 @@ test('a page URL says which document to open', () => {
 });
 
 test('injected values count only in their right shape', () => {
-  const absent = { connId: null, content: null, cachedHtml: null, fileName: null };
+  const absent = {
+    connId: null, content: null, contentVersion: null, cachedHtml: null, offlineEditing: false, fileName: null,
+  };
   const nothing = { _LOCAL_CONNID: 'null', _LOCAL_INJECT_DATA: { content: null }, _LOCAL_INJECT_CACHE: null };
   for (const inject of [undefined, null, 'text', [], nothing, { _LOCAL_CONNID: 7, _LOCAL_INJECT_DATA: 'x' }]) {
     assert.deepEqual(readInjected(inject), absent);
@@ -41,6 +43,11 @@ test('injected values count only in their right shape', () => {
   assert.deepEqual(injected.content, { type: 'doc' });
   assert.equal(injected.cachedHtml, '<h1>Title</h1><p>a</p>');
   assert.equal(injected.fileName, 'Plan.docx');
+  const versioned = readInjected({ _LOCAL_INJECT_DATA: { content: '{"file_version":"7","content":{"type":"doc"}}' } });
+  assert.deepEqual([versioned.content, versioned.contentVersion], [{ type: 'doc' }, 7]);
+  for (const ssr of ['<p>s</p>', { ssr: { html: '<p>s</p>' } }, '{"ssr":{"html":"<p>s</p>"}}']) {
+    assert.equal(readInjected({ _LOCAL_INJECT_DATA_SSRCONTENT: ssr }).cachedHtml, '<p>s</p>');
+  }
 });
 
 test('the file name is found at the top and one level down', () => {

@@ -82,4 +82,27 @@ TEST_F(Plugins, TakeInUpgradesAtRunTime)
     EXPECT_EQ(store.getPlugin(name)->state(), NPlugin::NotLoaded) << "rescanning loads nothing of itself";
 }
 
+TEST_F(Plugins, ACompleteUpgradeTakesThePlaceOfWhatWasInstalled)
+{
+    const QString base = package(QStringLiteral("base"), "1");
+    const QString missing = directory.filePath(QStringLiteral("missing"));
+    PluginStore store({{name, {base, missing}}});
+    EXPECT_EQ(store.getPluginPath(name), base) << "not while it is not there";
+    const NPluginPtr plugin = store.getPlugin(name);
+    plugin->load();
+    QSignalSpy succeeded(plugin.get(), &NPlugin::loadSuccess);
+    store.setUpgradePath(name, package(QStringLiteral("new"), "2"));
+    plugin->load();
+    EXPECT_EQ(plugin->getProp(QStringLiteral("version")).toString(), QStringLiteral("2"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(succeeded.size(), 2) << "the first load and the upgrade, not the load of what is loaded";
+    store.setUpgradePath(name, {});
+    EXPECT_EQ(store.getPluginPath(name), base);
+
+    const QString other = QStringLiteral("other");
+    EXPECT_EQ(store.getPlugin(other), nullptr);
+    store.setUpgradePath(other, package(QStringLiteral("other"), "1"));
+    EXPECT_EQ(store.getPlugin(other)->load(), 3) << "a plug-in that never was installed";
+}
+
 } // namespace

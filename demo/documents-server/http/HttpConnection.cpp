@@ -31,6 +31,7 @@ using boost::system::error_code;
 constexpr std::uint64_t bodyLimit = 64ULL * 1024 * 1024;
 constexpr std::uint32_t headLimit = 32 * 1024;
 constexpr std::size_t drainSize = 65536;
+constexpr std::size_t filePieceSize = 256 * 1024;
 constexpr std::chrono::seconds silenceLimit(60);
 constexpr std::chrono::seconds farewellLimit(2);
 
@@ -58,10 +59,11 @@ HttpRequest toRequest(http::request<http::string_body>& message)
     request.method = toBytes(message.method_string());
     request.target = toBytes(message.target());
     request.cookie = toBytes(message[http::field::cookie]);
-    request.userAgent = toBytes(message[http::field::user_agent]);
     request.ifNoneMatch = toBytes(message[http::field::if_none_match]);
     request.ifModifiedSince = toBytes(message[http::field::if_modified_since]);
     request.body = toBytes(message.body());
+    for (const auto& field : message.base())
+        request.headers.emplace_back(toBytes(field.name_string()), toBytes(field.value()));
     return request;
 }
 
@@ -77,7 +79,7 @@ std::string headText(const HttpReply& reply, unsigned version, bool keepAlive)
     for (const auto& [name, value] : reply.headers)
         head.insert(toView(name), toView(value));
     if (hasBody(reply.status))
-        head.content_length(static_cast<std::uint64_t>(reply.body.size()));
+        head.content_length(static_cast<std::uint64_t>(reply.bodySize()));
     head.keep_alive(keepAlive);
 
     std::ostringstream text;
@@ -224,11 +226,16 @@ private:
     void prepare(const HttpRequest& request, Answer&& answer, unsigned version)
     {
         m_answer = std::move(answer);
-        m_entry = {m_services.clock(), request.method, request.target, m_answer.reply.status, 0,
-                   request.userAgent,  request.cookie};
+        m_entry = {m_services.clock(),
+                   request.method,
+                   request.target,
+                   m_answer.reply.status,
+                   0,
+                   request.headers,
+                   loggedBody(request.method, request.body)};
         m_head = headText(m_answer.reply, version, m_keepAlive);
         qint64 bodyBytes =
-            request.method == "HEAD" || !hasBody(m_answer.reply.status) ? 0 : m_answer.reply.body.size();
+            request.method == "HEAD" || !hasBody(m_answer.reply.status) ? 0 : m_answer.reply.bodySize();
         if (m_answer.cutAfter)
             bodyBytes = std::min(bodyBytes, *m_answer.cutAfter);
         m_total = m_head.size() + static_cast<std::size_t>(bodyBytes);
@@ -243,11 +250,13 @@ private:
     {
         if (m_sent == m_total)
             return finish();
+        const std::size_t remaining =
+            m_answer.reply.file ? std::min(m_total - m_sent, filePieceSize) : m_total - m_sent;
         if (!m_answer.shaped) {
-            m_piece = m_total - m_sent;
+            m_piece = remaining;
             return writePiece();
         }
-        m_piece = m_services.shaper.pieceSize(m_total - m_sent);
+        m_piece = m_services.shaper.pieceSize(remaining);
         const auto now = std::chrono::steady_clock::now();
         m_pieceGone = m_services.shaper.reserve(m_piece, now, m_pieceGone);
         wait(*m_pieceGone - now, &HttpConnection::writePiece);
@@ -262,10 +271,24 @@ private:
         std::vector<asio::const_buffer> buffers;
         if (fromHead > 0)
             buffers.emplace_back(m_head.data() + headSent, fromHead);
-        if (m_piece > fromHead)
-            buffers.emplace_back(m_answer.reply.body.constData() + bodySent, m_piece - fromHead);
+        if (m_piece > fromHead) {
+            const char* body = bodyPiece(bodySent, m_piece - fromHead);
+            if (!body)
+                return breakOff();
+            buffers.emplace_back(body, m_piece - fromHead);
+        }
         transport().expires_after(silenceLimit);
         asio::async_write(m_stream, buffers, bound(&HttpConnection::onPieceWritten));
+    }
+
+    /** Null when the file cannot be read any more. */
+    const char* bodyPiece(std::size_t offset, std::size_t size)
+    {
+        if (!m_answer.reply.file)
+            return m_answer.reply.body.constData() + offset;
+        m_filePiece.resize(size);
+        const auto wanted = static_cast<qint64>(size);
+        return m_answer.reply.file->read(m_filePiece.data(), wanted) == wanted ? m_filePiece.data() : nullptr;
     }
 
     void onPieceWritten(error_code error, std::size_t bytes)
@@ -273,6 +296,11 @@ private:
         m_sent += bytes;
         if (!error)
             return sendNext();
+        breakOff();
+    }
+
+    void breakOff()
+    {
         record();
         close();
     }
@@ -354,6 +382,7 @@ private:
     std::size_t m_total = 0;
     std::size_t m_sent = 0;
     std::size_t m_piece = 0;
+    std::string m_filePiece;
     std::optional<LinkShaper::TimePoint> m_pieceGone;
     LoggedRequest m_entry;
 

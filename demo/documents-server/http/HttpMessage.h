@@ -1,11 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
 
 #include <QByteArray>
+#include <QFile>
 
 namespace documents {
 
@@ -17,9 +19,9 @@ struct HttpRequest
     QByteArray target; ///< as sent: still encoded, with its query
     QByteArray body;
     QByteArray cookie;
-    QByteArray userAgent;
     QByteArray ifNoneMatch;
     QByteArray ifModifiedSince;
+    std::vector<std::pair<QByteArray, QByteArray>> headers; ///< all fields as sent, these included
 
     /** GET and HEAD: the same reply, the connection leaves out the body for HEAD. */
     bool reads() const { return method == "GET" || method == "HEAD"; }
@@ -32,6 +34,10 @@ struct HttpReply
     QByteArray contentType;
     QByteArray body;
     std::vector<std::pair<QByteArray, QByteArray>> headers;
+    std::shared_ptr<QFile> file = {}; ///< open: its content is sent instead of `body`, piece by piece
+    qint64 fileSize = 0;              ///< bytes of it to send
+
+    qint64 bodySize() const { return file ? fileSize : body.size(); }
 };
 
 /** A reply and how it is to be spoilt on its way; without any fault it is simply sent. */

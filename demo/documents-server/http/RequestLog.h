@@ -1,6 +1,8 @@
 #pragma once
 
 #include <deque>
+#include <utility>
+#include <vector>
 
 #include <QByteArray>
 #include <QFile>
@@ -18,15 +20,21 @@ struct LoggedRequest
     QByteArray target;
     int status = 0;   ///< 0 when the connection was reset instead of answered
     qint64 bytes = 0; ///< sent, head and body
-    QByteArray userAgent;
-    QByteArray cookie;
+    std::vector<std::pair<QByteArray, QByteArray>> headers = {};
+    QByteArray body = {}; ///< of a POST, at most its first 4 KiB
 };
 
+/** As members "t", "method", "target", "status", "bytes", "userAgent", "cookie", "origin", "body" and
+ * "headers", an object of all fields by their names in lower case. */
 QJsonObject toJson(const LoggedRequest& request);
 
+/** The part of a POST's body that the log keeps. */
+QByteArray loggedBody(const QByteArray& method, const QByteArray& body);
+
 /**
- * Keeps the last thousand requests in memory and, when asked to, appends every request to a file, one JSON
- * object a line. Requests of the control resource go to the file only. For one thread.
+ * Numbers requests from 1 on in the order in which they end. Keeps the last thousand requests in memory and,
+ * when asked to, appends every request to a file, one JSON object a line. Requests of the control resource go
+ * to the file only. For one thread.
  */
 class RequestLog
 {
@@ -36,11 +44,14 @@ public:
 
     void record(const LoggedRequest& request);
 
-    /** The requests kept, oldest first. */
-    QJsonArray recent() const;
+    /** The requests kept that are numbered above `since`, oldest first, each with its number as "seq". */
+    QJsonArray recent(qint64 since = 0) const;
+    /** The number of the last request, 0 before the first. */
+    qint64 lastNumber() const { return m_lastNumber; }
 
 private:
-    std::deque<LoggedRequest> m_recent;
+    std::deque<LoggedRequest> m_recent; ///< without gaps up to the last number
+    qint64 m_lastNumber = 0;
     QFile m_file;
 };
 

@@ -4,6 +4,7 @@
 #include <QJsonObject>
 
 #include "http/Replies.h"
+#include "http/RequestTarget.h"
 #include "service/DocumentsApi.h"
 
 namespace documents {
@@ -47,9 +48,7 @@ HttpReply ControlApi::answer(const QString& resource, const HttpRequest& request
     if (resource == logResource) {
         if (!request.reads())
             return methodNotAllowed(request.target, QByteArrayLiteral("GET, HEAD"));
-        QJsonObject reply = done;
-        reply.insert(QStringLiteral("requests"), m_log.recent());
-        return jsonReply(200, reply);
+        return log(request.target);
     }
     if (resource != shapingResource && resource != versionsResource && resource != faultResource)
         return notFound(request.target, QStringLiteral("There is no control resource \"%1\".").arg(resource));
@@ -58,6 +57,19 @@ HttpReply ControlApi::answer(const QString& resource, const HttpRequest& request
     if (Failure failure = put(resource, request.body))
         return failureReply(*failure);
     return jsonReply(200, done);
+}
+
+HttpReply ControlApi::log(const QByteArray& target) const
+{
+    const auto parsed = parseRequestTarget(target);
+    const QString text = parsed ? parsed->queryValue(QStringLiteral("since")) : QString();
+    bool isNumber = false;
+    const qint64 since = text.toLongLong(&isNumber);
+    if (!text.isEmpty() && (!isNumber || since < 0))
+        return failureReply({ErrorCode::Invalid, QStringLiteral("\"since\" must be a whole number.")});
+    return jsonReply(200, {{QStringLiteral("result"), QStringLiteral("ok")},
+                           {QStringLiteral("last"), m_log.lastNumber()},
+                           {QStringLiteral("requests"), m_log.recent(since)}});
 }
 
 Failure ControlApi::put(const QString& resource, const QByteArray& body)

@@ -16,7 +16,9 @@ Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObje
 
 /**
  * What tests and measurements turn while the server runs: PUT "shaping", "versions" and "fault", each
- * replacing the state of its name, and GET "log". Bad values give 400 and change nothing. For one thread.
+ * replacing the state of its name, and GET "log" with {"last": number of the last request, "requests": […]},
+ * all that are kept or, with "?since=N", those numbered above N. Bad values give 400 and change nothing. For
+ * one thread.
  */
 class ControlApi
 {
@@ -27,6 +29,7 @@ public:
     HttpReply answer(const QString& resource, const HttpRequest& request);
 
 private:
+    HttpReply log(const QByteArray& target) const;
     Failure put(const QString& resource, const QByteArray& body);
 
     LinkShaper& m_shaper;

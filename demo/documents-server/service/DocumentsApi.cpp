@@ -238,7 +238,7 @@ HttpReply DocumentsApi::packageInfo(const QByteArray& body) const
 
 FrontVersion DocumentsApi::frontVersionOf(const Document& document) const
 {
-    return m_versions.of(officeTypeByCode(document.officeType)->package);
+    return m_versions.of(officeTypeByCode(document.officeType)->package, document.id);
 }
 
 } // namespace documents

@@ -1,5 +1,6 @@
 #include "service/DocumentsService.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "http/Replies.h"
@@ -7,11 +8,31 @@
 
 namespace documents {
 
-DocumentsService::DocumentsService(DocumentStore& store, const QString& siteDirectory, Clock clock,
-                                   LinkShaper& shaper, const RequestLog& log)
+namespace {
+
+/** Puts the fault's body in the place of the reply's, as something that nobody keeps. */
+void replaceBody(HttpReply& reply, const QByteArray& body)
+{
+    reply.status = reply.status == 304 ? 200 : reply.status;
+    reply.body = body;
+    reply.file.reset();
+    const auto describesBody = [](const auto& field) {
+        return field.first == "ETag" || field.first == "Last-Modified" || field.first == "Cache-Control";
+    };
+    reply.headers.erase(std::remove_if(reply.headers.begin(), reply.headers.end(), describesBody),
+                        reply.headers.end());
+    reply.headers.emplace_back("Cache-Control", "no-store");
+}
+
+} // namespace
+
+DocumentsService::DocumentsService(DocumentStore& store, const QString& siteDirectory,
+                                   const QString& packageDirectory, Clock clock, LinkShaper& shaper,
+                                   const RequestLog& log)
     : m_store(store)
     , m_site(siteDirectory)
     , m_versions(siteDirectory, std::move(clock))
+    , m_packages(packageDirectory)
     , m_api(store, m_versions)
     , m_control(shaper, m_versions, m_faults, log)
 {
@@ -20,7 +41,7 @@ DocumentsService::DocumentsService(DocumentStore& store, const QString& siteDire
 Answer DocumentsService::answer(const HttpRequest& request)
 {
     Answer answer;
-    if (const auto fault = m_faults.match(request.target))
+    if (const auto fault = m_faults.take(request.target))
         answer = spoilt(*fault, request);
     else
         answer.reply = reply(request);
@@ -37,7 +58,9 @@ Answer DocumentsService::spoilt(const Fault& fault, const HttpRequest& request)
     else if (!fault.reset)
         answer.reply = reply(request);
     if (fault.body)
-        answer.reply.body = *fault.body;
+        replaceBody(answer.reply, *fault.body);
+    if (!fault.location.isEmpty())
+        answer.reply.headers.emplace_back("Location", fault.location);
     answer.delay = fault.delay;
     answer.cutAfter = fault.cutAfter;
     answer.reset = fault.reset;
@@ -70,8 +93,7 @@ HttpReply DocumentsService::reply(const HttpRequest& request)
                                                         : methodNotAllowed(request.target, allowed);
 }
 
-HttpReply DocumentsService::read(const Route& route, const RequestTarget& target,
-                                 const HttpRequest& request) const
+HttpReply DocumentsService::read(const Route& route, const RequestTarget& target, const HttpRequest& request)
 {
     switch (route.kind) {
     case RouteKind::Files:
@@ -81,6 +103,10 @@ HttpReply DocumentsService::read(const Route& route, const RequestTarget& target
             route.id, target.queryValue(QStringLiteral("part")).split(u',', Qt::SkipEmptyParts), request);
     case RouteKind::VersionCheck:
         return m_api.versionCheck(route.id);
+    case RouteKind::Package:
+        return package(route.name, request);
+    case RouteKind::PackageFile:
+        return m_packages.file(route.name, route.id, request);
     case RouteKind::Home:
         return siteFile({QStringLiteral("home.html")}, request);
     case RouteKind::DocumentPage:
@@ -93,6 +119,13 @@ HttpReply DocumentsService::read(const Route& route, const RequestTarget& target
     default:
         return siteFile(route.filePath, request);
     }
+}
+
+HttpReply DocumentsService::package(const QString& plugin, const HttpRequest& request)
+{
+    const OfficeType* type = officeTypeByPlugin(plugin);
+    return type ? m_packages.description(plugin, m_versions.of(type->package).version, request.target)
+                : notFound(request.target, QStringLiteral("There is no package \"%1\".").arg(plugin));
 }
 
 HttpReply DocumentsService::documentPage(const QString& id, const RequestTarget& target,

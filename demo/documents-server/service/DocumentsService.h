@@ -10,6 +10,7 @@
 #include "service/DocumentsApi.h"
 #include "service/FaultRules.h"
 #include "service/FrontVersions.h"
+#include "service/PackageDirectory.h"
 #include "service/Routes.h"
 #include "service/StaticSite.h"
 #include "store/DocumentStore.h"
@@ -21,15 +22,16 @@ class DocumentsService
 {
 public:
     /** The store, already open, the shaper and the log are kept by reference and outlive the service. */
-    DocumentsService(DocumentStore& store, const QString& siteDirectory, Clock clock, LinkShaper& shaper,
-                     const RequestLog& log);
+    DocumentsService(DocumentStore& store, const QString& siteDirectory, const QString& packageDirectory,
+                     Clock clock, LinkShaper& shaper, const RequestLog& log);
 
     Answer answer(const HttpRequest& request);
 
 private:
     Answer spoilt(const Fault& fault, const HttpRequest& request);
     HttpReply reply(const HttpRequest& request);
-    HttpReply read(const Route& route, const RequestTarget& target, const HttpRequest& request) const;
+    HttpReply read(const Route& route, const RequestTarget& target, const HttpRequest& request);
+    HttpReply package(const QString& plugin, const HttpRequest& request);
     HttpReply documentPage(const QString& id, const RequestTarget& target, const HttpRequest& request) const;
     HttpReply page(const QString& officeType, const HttpRequest& request) const;
     HttpReply siteFile(const QStringList& path, const HttpRequest& request) const;
@@ -37,6 +39,7 @@ private:
     DocumentStore& m_store;
     StaticSite m_site;
     FrontVersions m_versions;
+    PackageDirectory m_packages;
     FaultRules m_faults;
     DocumentsApi m_api;
     ControlApi m_control;

@@ -1,5 +1,8 @@
 #include "service/FaultRules.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include <QJsonValue>
 
 #include "store/Document.h"
@@ -8,6 +11,15 @@ namespace documents {
 namespace {
 
 constexpr qint64 longestDelayMs = 600'000;
+constexpr qint64 largestBody = 256LL * 1024 * 1024;
+constexpr char filler = '.';
+
+bool isHeaderText(const QString& text)
+{
+    return !text.isEmpty() && std::none_of(text.begin(), text.end(), [](QChar c) {
+        return c < QLatin1Char(' ') || c.unicode() == 0x7f;
+    });
+}
 
 /** True when the member was taken over into the fault. */
 bool takeMember(const QString& member, const QJsonValue& value, Fault& fault)
@@ -17,6 +29,12 @@ bool takeMember(const QString& member, const QJsonValue& value, Fault& fault)
         fault.status = static_cast<int>(*number);
     else if (member == QLatin1String("body") && value.isString())
         fault.body = value.toString().toUtf8();
+    else if (member == QLatin1String("location") && isHeaderText(value.toString()))
+        fault.location = value.toString().toUtf8();
+    else if (member == QLatin1String("size") && number && *number >= 0 && *number <= largestBody)
+        fault.body = fault.body.value_or(QByteArray()).leftJustified(static_cast<int>(*number), filler, true);
+    else if (member == QLatin1String("times") && number && *number >= 1)
+        fault.times = *number;
     else if (member == QLatin1String("delayMs") && number && *number >= 0 && *number <= longestDelayMs)
         fault.delay = std::chrono::milliseconds(*number);
     else if (member == QLatin1String("cutAfter") && number && *number >= 0)
@@ -60,14 +78,19 @@ Failure FaultRules::setRules(const QJsonObject& rules)
     return std::nullopt;
 }
 
-std::optional<Fault> FaultRules::match(const QByteArray& target) const
+std::optional<Fault> FaultRules::take(const QByteArray& target)
 {
+    if (target.startsWith("/_control"))
+        return std::nullopt;
     // Keys ascend, so of two beginnings that fit, the longer comes later.
-    for (auto rule = m_rules.rbegin(); rule != m_rules.rend(); ++rule) {
-        if (target.startsWith(rule->first) && !target.startsWith("/_control"))
-            return rule->second;
-    }
-    return std::nullopt;
+    const auto rule = std::find_if(m_rules.rbegin(), m_rules.rend(),
+                                   [&target](const auto& entry) { return target.startsWith(entry.first); });
+    if (rule == m_rules.rend())
+        return std::nullopt;
+    const Fault fault = rule->second;
+    if (rule->second.times && --*rule->second.times == 0)
+        m_rules.erase(std::prev(rule.base()));
+    return fault;
 }
 
 } // namespace documents

@@ -10,6 +10,7 @@ namespace {
 
 constexpr qint64 defaultLifetime = 30LL * 24 * 60 * 60;
 
+const QLatin1String filesMember("files");
 const QLatin1String versionMember("front_ver");
 const QLatin1String expireMember("expire_time");
 const QLatin1String upgradeMember("must_upgrade");
@@ -31,8 +32,6 @@ Failure checkMember(const QString& package, const QString& member, const QJsonVa
 
 Failure checkOverride(const QString& package, const QJsonValue& value)
 {
-    if (!officeTypeByPackage(package))
-        return Error{ErrorCode::Invalid, QStringLiteral("\"%1\" is not a known package.").arg(package)};
     if (!value.isObject())
         return Error{ErrorCode::Invalid, QStringLiteral("\"%1\" must be an object.").arg(package)};
     const QJsonObject members = value.toObject();
@@ -41,6 +40,29 @@ Failure checkOverride(const QString& package, const QJsonValue& value)
             return failure;
     }
     return std::nullopt;
+}
+
+using Overrides = std::map<QString, QJsonObject>;
+
+/** Overrides by names that `isName` knows; `what` says in an error what they are. */
+Result<Overrides> readOverrides(const QJsonObject& object, bool (*isName)(const QString&), const char* what)
+{
+    Overrides accepted;
+    for (auto entry = object.begin(); entry != object.end(); ++entry) {
+        if (!isName(entry.key()))
+            return Error{ErrorCode::Invalid,
+                         QStringLiteral("\"%1\" is not %2.").arg(entry.key(), QLatin1String(what))};
+        if (Failure failure = checkOverride(entry.key(), entry.value()))
+            return *failure;
+        accepted[entry.key()] = entry.value().toObject();
+    }
+    return accepted;
+}
+
+QJsonObject membersOf(const Overrides& overrides, const QString& name)
+{
+    const auto found = overrides.find(name);
+    return found == overrides.end() ? QJsonObject() : found->second;
 }
 
 QString siteVersion(const QString& siteDirectory)
@@ -61,25 +83,46 @@ FrontVersions::FrontVersions(QString siteDirectory, Clock clock)
 
 FrontVersion FrontVersions::of(const QString& package) const
 {
-    const auto found = m_overrides.find(package);
-    const QJsonObject chosen = found == m_overrides.end() ? QJsonObject() : found->second;
+    return chosen(membersOf(m_overrides, package));
+}
+
+FrontVersion FrontVersions::of(const QString& package, const QString& documentId) const
+{
+    QJsonObject members = membersOf(m_overrides, package);
+    const QJsonObject own = membersOf(m_documents, documentId);
+    for (auto member = own.begin(); member != own.end(); ++member)
+        members.insert(member.key(), member.value());
+    return chosen(members);
+}
+
+FrontVersion FrontVersions::chosen(const QJsonObject& members) const
+{
     FrontVersion front;
-    front.version = chosen.contains(versionMember) ? chosen.value(versionMember).toString()
-                                                   : siteVersion(m_siteDirectory);
-    front.expireTime = wholeNumber(chosen.value(expireMember)).value_or(m_clock() / 1000 + defaultLifetime);
-    front.mustUpgrade = chosen.value(upgradeMember).toBool(false);
+    front.version = members.contains(versionMember) ? members.value(versionMember).toString()
+                                                    : siteVersion(m_siteDirectory);
+    front.expireTime = wholeNumber(members.value(expireMember)).value_or(m_clock() / 1000 + defaultLifetime);
+    front.mustUpgrade = members.value(upgradeMember).toBool(false);
     return front;
 }
 
 Failure FrontVersions::setOverrides(const QJsonObject& overrides)
 {
-    std::map<QString, QJsonObject> accepted;
-    for (auto entry = overrides.begin(); entry != overrides.end(); ++entry) {
-        if (Failure failure = checkOverride(entry.key(), entry.value()))
-            return failure;
-        accepted[entry.key()] = entry.value().toObject();
-    }
-    m_overrides = std::move(accepted);
+    const QJsonValue files = overrides.value(filesMember);
+    if (!files.isUndefined() && !files.isObject())
+        return Error{ErrorCode::Invalid, QStringLiteral("\"files\" must be an object.")};
+    QJsonObject packages = overrides;
+    packages.remove(filesMember);
+
+    const auto byPackage = readOverrides(
+        packages, [](const QString& name) { return officeTypeByPackage(name) != nullptr; },
+        "a known package");
+    const auto byDocument = readOverrides(files.toObject(), isDocumentId, "a document's id");
+    if (!byPackage)
+        return byPackage.error();
+    if (!byDocument)
+        return byDocument.error();
+    m_overrides = *byPackage;
+    m_documents = *byDocument;
     return std::nullopt;
 }
 

@@ -28,17 +28,23 @@ public:
     FrontVersions(QString siteDirectory, Clock clock);
 
     FrontVersion of(const QString& package) const;
+    /** The version for one document: its own override's members come before those of its package. */
+    FrontVersion of(const QString& package, const QString& documentId) const;
 
     /**
      * Replaces all overrides: {"PACKAGE": {"front_ver": text, "expire_time": seconds, "must_upgrade": bool},
-     * …}, every member optional. On a mistake nothing changes and the error names the member.
+     * …, "files": {"DOCUMENT-ID": {…}, …}}, every member optional. On a mistake nothing changes and the error
+     * names the member.
      */
     Failure setOverrides(const QJsonObject& overrides);
 
 private:
+    FrontVersion chosen(const QJsonObject& members) const;
+
     QString m_siteDirectory;
     Clock m_clock;
-    std::map<QString, QJsonObject> m_overrides;
+    std::map<QString, QJsonObject> m_overrides; ///< by package
+    std::map<QString, QJsonObject> m_documents; ///< by document id
 };
 
 } // namespace documents

@@ -25,6 +25,11 @@ Route officeApiRoute(const QStringList& rest)
         return {RouteKind::Content, rest.at(1), {}, {}};
     if (rest.size() == 3 && startsWith(rest, {"prefetch", "vcs"}))
         return {RouteKind::VersionCheck, rest.at(2), {}, {}};
+    if (rest.size() == 2 && startsWith(rest, {"package"}))
+        return {RouteKind::Package, {}, rest.at(1), {}};
+    const QLatin1String zip(".zip");
+    if (rest.size() == 3 && startsWith(rest, {"package"}) && rest.at(2).endsWith(zip))
+        return {RouteKind::PackageFile, rest.at(2).chopped(zip.size()), rest.at(1), {}};
     return {};
 }
 

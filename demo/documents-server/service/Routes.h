@@ -17,6 +17,8 @@ enum class RouteKind {
     OfficeConfig, ///< "/office-config/ID"
     VersionCheck, ///< "/api/v3/office/prefetch/vcs/ID"
     PackageInfo,  ///< "/api/quill/office/prefetch/config"
+    Package,      ///< "/api/v3/office/package/PLUGIN"
+    PackageFile,  ///< "/api/v3/office/package/PLUGIN/VERSION.zip"
     Control,      ///< "/_control/RESOURCE"
     Unknown       ///< below "/api", "/office-config" or "/_control", yet none of the above
 };
@@ -24,8 +26,8 @@ enum class RouteKind {
 struct Route
 {
     RouteKind kind = RouteKind::Unknown;
-    QString id;           ///< of the document
-    QString name;         ///< office type code, package or control resource, as the kind has it
+    QString id;           ///< of the document; the version of a package's file
+    QString name;         ///< office type code, package, plug-in or control resource, as the kind has it
     QStringList filePath; ///< below the site, for SiteFile
 };
 

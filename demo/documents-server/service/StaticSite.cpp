@@ -42,19 +42,12 @@ constexpr std::array<MimeType, 19> mimeTypes = {{
 
 const QString httpDateFormat = QStringLiteral("ddd, dd MMM yyyy hh:mm:ss 'GMT'");
 
+const QString serviceWorkerScript = QStringLiteral("sw.js");
+
 bool isPlainSegment(const QString& segment)
 {
     return !segment.isEmpty() && segment != QLatin1String(".") && segment != QLatin1String("..") &&
            !segment.contains(u'/') && !segment.contains(u'\\');
-}
-
-bool listsTag(const QByteArray& ifNoneMatch, const QByteArray& tag)
-{
-    const auto listed = ifNoneMatch.split(',');
-    return std::any_of(listed.begin(), listed.end(), [&tag](const QByteArray& item) {
-        const QByteArray text = item.trimmed();
-        return text == "*" || (text.startsWith("W/") ? text.mid(2) : text) == tag;
-    });
 }
 
 bool isKnown(const HttpRequest& request, const QByteArray& tag, qint64 modified)
@@ -66,6 +59,20 @@ bool isKnown(const HttpRequest& request, const QByteArray& tag, qint64 modified)
 }
 
 } // namespace
+
+QByteArray entityTag(qint64 size, qint64 modified)
+{
+    return '"' + QByteArray::number(size, 16) + '-' + QByteArray::number(modified, 16) + '"';
+}
+
+bool listsTag(const QByteArray& ifNoneMatch, const QByteArray& tag)
+{
+    const auto listed = ifNoneMatch.split(',');
+    return std::any_of(listed.begin(), listed.end(), [&tag](const QByteArray& item) {
+        const QByteArray text = item.trimmed();
+        return text == "*" || (text.startsWith("W/") ? text.mid(2) : text) == tag;
+    });
+}
 
 QByteArray mimeTypeOf(const QString& fileName)
 {
@@ -116,14 +123,13 @@ std::optional<HttpReply> StaticSite::file(const QStringList& segments, const Htt
         return std::nullopt;
 
     const qint64 modified = file.fileTime(QFileDevice::FileModificationTime).toMSecsSinceEpoch();
-    const QByteArray tag =
-        '"' + QByteArray::number(file.size(), 16) + '-' + QByteArray::number(modified, 16) + '"';
+    const QByteArray tag = entityTag(file.size(), modified);
     HttpReply reply;
     reply.contentType = mimeTypeOf(*path);
-    const bool isPage = reply.contentType.startsWith("text/html");
-    reply.headers = {{"ETag", tag},
-                     {"Last-Modified", toHttpDate(modified / 1000)},
-                     {"Cache-Control", isPage ? "no-cache" : "public, max-age=600"}};
+    reply.headers = {
+        {"ETag", tag}, {"Last-Modified", toHttpDate(modified / 1000)}, {"Cache-Control", "no-cache"}};
+    if (segments == QStringList{serviceWorkerScript})
+        reply.headers.emplace_back("Service-Worker-Allowed", "/");
     if (isKnown(request, tag, modified / 1000))
         reply.status = 304;
     else

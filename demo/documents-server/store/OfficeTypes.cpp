@@ -9,14 +9,14 @@ namespace documents {
 namespace {
 
 constexpr std::array<OfficeType, 8> officeTypes = {{
-    {QLatin1String("d"), QLatin1String("db"), QLatin1String("dbt")},
-    {QLatin1String("s"), QLatin1String("vs"), QLatin1String("xlsx")},
-    {QLatin1String("w"), QLatin1String("word"), QLatin1String("docx")},
-    {QLatin1String("p"), QLatin1String("vpp"), QLatin1String("pptx")},
-    {QLatin1String("f"), QLatin1String("pdf"), QLatin1String("pdf")},
-    {QLatin1String("o"), QLatin1String("otl"), QLatin1String("otl")},
-    {QLatin1String("k"), QLatin1String("nsheet"), QLatin1String("nsheet")},
-    {QLatin1String("mo"), QLatin1String("motl"), QLatin1String("motl")},
+    {QLatin1String("d"), QLatin1String("db"), QLatin1String("quilldb"), QLatin1String("dbt")},
+    {QLatin1String("s"), QLatin1String("vs"), QLatin1String("quillvs"), QLatin1String("xlsx")},
+    {QLatin1String("w"), QLatin1String("word"), QLatin1String("quillword"), QLatin1String("docx")},
+    {QLatin1String("p"), QLatin1String("vpp"), QLatin1String("quillvpp"), QLatin1String("pptx")},
+    {QLatin1String("f"), QLatin1String("pdf"), QLatin1String("quillpdf"), QLatin1String("pdf")},
+    {QLatin1String("o"), QLatin1String("otl"), QLatin1String("quill"), QLatin1String("otl")},
+    {QLatin1String("k"), QLatin1String("nsheet"), QLatin1String("quillnsheet"), QLatin1String("nsheet")},
+    {QLatin1String("mo"), QLatin1String("motl"), QLatin1String("quillmotl"), QLatin1String("motl")},
 }};
 
 template <typename Match>
@@ -65,6 +65,11 @@ const OfficeType* officeTypeByCode(const QString& code)
 const OfficeType* officeTypeByPackage(const QString& package)
 {
     return find([&package](const OfficeType& type) { return type.package == package; });
+}
+
+const OfficeType* officeTypeByPlugin(const QString& plugin)
+{
+    return find([&plugin](const OfficeType& type) { return type.plugin == plugin; });
 }
 
 QJsonObject emptyContent(const OfficeType& type)

@@ -1,12 +1,15 @@
 /**
- * The first script of a document page: small, so that it can show what is there and ask for the document while the
- * editor script is still being read.
+ * The first script file of a document page: small, so that it can show what is there while the editor script is still
+ * being read. The document was asked for before, by `earlyPage.js`.
  */
+import './documentStart.js';
 import './polyfills.js';
 import { DocumentScreen } from './document/DocumentScreen.js';
 import { DocumentsApi } from './document/DocumentsApi.js';
 import { EditorRegistry } from './document/EditorRegistry.js';
 import { NativeSide } from './document/NativeSide.js';
+import { wantsServiceWorker } from './document/workerWish.js';
+import { frontVersion } from './frontVersion.js';
 import { PageFrame } from './ui/PageFrame.js';
 import { watchFailures } from './ui/watchFailures.js';
 
@@ -15,7 +18,13 @@ const native = new NativeSide(window);
 const frame = new PageFrame(document);
 
 window.skyleafDocs = {
-  registerEditor: (typeCode, mount) => editors.register(typeCode, mount),
+  /** The versions of what runs in this page: they are one, unless files of different builds were mixed. */
+  versions: { page: document.documentElement.dataset.frontVersion, document: frontVersion, editor: null },
+  registerEditor(typeCode, mount, version) {
+    window.performance.mark('docs-editor-ready');
+    this.versions.editor = version;
+    editors.register(typeCode, mount);
+  },
   notify: (notice) => frame.showNotice(notice),
 };
 
@@ -26,6 +35,8 @@ const screen = new DocumentScreen({
   frame,
   editors,
   native,
+  frontVersion,
+  early: window.skyleafEarly || null,
 });
 
 async function showNativeSide() {
@@ -56,3 +67,6 @@ window.addEventListener('online', () => screen.save());
 
 screen.open();
 showNativeSide();
+if (wantsServiceWorker(window.location) && window.navigator.serviceWorker) {
+  window.navigator.serviceWorker.register('/sw.js').catch((error) => screen.reportFailure(error.message));
+}

@@ -1,3 +1,5 @@
+import './editorStart.js';
+import { frontVersion } from './frontVersion.js';
 import { mountTableEditor } from './table/TableEditor.js';
 
-window.skyleafDocs.registerEditor('s', mountTableEditor);
+window.skyleafDocs.registerEditor('s', mountTableEditor, frontVersion);

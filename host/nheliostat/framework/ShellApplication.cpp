@@ -21,7 +21,7 @@ constexpr int documentsPageType = 1;
 ShellApplication::ShellApplication(const Setup& setup, QObject* parent)
     : NHelioApplication(parent)
     , m_translators(setup.translationsDir)
-    , m_cloudSvrProxy(new ShellCloudSvrProxy(setup.user, this))
+    , m_cloudSvrProxy(new ShellCloudSvrProxy(setup.user, setup.cloudService, this))
     , m_account(new ShellAccount(*m_cloudSvrProxy, this))
     , m_scriptIpcEventHub(new QObject(this))
     , m_skin(setup.dark)

@@ -4,6 +4,7 @@
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/framework/PluginTranslators.h"
 #include "nheliostat/framework/ShellBrowserPageItem.h"
+#include "nheliostat/framework/ShellCloudService.h"
 #include "nheliostat/framework/ShellCollectInfoMgr.h"
 #include "nheliostat/framework/ShellSkin.h"
 
@@ -32,6 +33,7 @@ public:
         bool dark = false;
         QString translationsDir;      //!< of "<name>_<locale>.qm" files; may be empty
         int discardCheckSeconds = 60; //!< how often inactive pages may be released; 0 for never
+        ShellCloudService cloudService;
     };
     /** What a window's "new page" does. */
     using NewPageHandler = std::function<void(ShellMainWindow&)>;
@@ -53,6 +55,7 @@ public:
     const NHelioUserInfo& user() const;
     void setDark(bool dark);
     ShellCollectInfoMgr& collectInfo() { return m_collectInfo; }
+    ShellCloudSvrProxy& cloudService() { return *m_cloudSvrProxy; }
     /** Releases the inactive pages of all windows that can be; also runs every discardCheckSeconds. */
     void releaseInactivePages();
     /** Lets a script object of a page reach the shell; script objects call it themselves. */

@@ -1,5 +1,6 @@
 #include "gateway/Answers.h"
 
+#include "gateway/CacheRules.h"
 #include "gateway/HeaderRules.h"
 #include "gateway/LocalFiles.h"
 #include "gateway/MimeTypes.h"
@@ -46,18 +47,62 @@ void finishHead(Answer& answer, qint64 size, const AnswerForm& form)
     }
 }
 
-/** Appends the handler's header; true when it was the Content-Type. */
-bool appendHandlerHeader(std::string& head, const QByteArray& name, const QVariant& value)
+/** The headers of a handler's answer that can stand in the message, and what of them matters here. */
+struct HandlerHeaders
 {
-    const boost::beast::string_view boostName(name.constData(), static_cast<std::size_t>(name.size()));
-    const auto id = boost::beast::http::string_to_field(boostName);
-    if (id == boost::beast::http::field::content_length || !isHeaderName(viewOf(name)) ||
-        isHopByHop(id, viewOf(name)))
-        return false;
-    const QByteArray bytes =
-        value.userType() == QMetaType::QByteArray ? value.toByteArray() : value.toString().toUtf8();
-    appendLine(head, viewOf(name), singleLine(viewOf(bytes)));
-    return id == boost::beast::http::field::content_type;
+    explicit HandlerHeaders(const QVariantMap& headers);
+
+    std::string lines;        //!< complete, without those about caching
+    std::string cachingLines; //!< the latter
+    std::string contentType;
+    bool hasCacheControl = false;
+    bool hasTag = false;
+};
+
+HandlerHeaders::HandlerHeaders(const QVariantMap& headers)
+{
+    using boost::beast::http::field;
+    for (auto header = headers.constBegin(); header != headers.constEnd(); ++header) {
+        const QByteArray name = header.key().toUtf8();
+        const boost::beast::string_view boostName(name.constData(), static_cast<std::size_t>(name.size()));
+        const field id = boost::beast::http::string_to_field(boostName);
+        if (id == field::content_length || !isHeaderName(viewOf(name)) || isHopByHop(id, viewOf(name)))
+            continue;
+        const QByteArray bytes = header.value().userType() == QMetaType::QByteArray
+                                     ? header.value().toByteArray()
+                                     : header.value().toString().toUtf8();
+        const std::string value = singleLine(viewOf(bytes));
+        const bool aboutCaching = id == field::cache_control || id == field::expires || id == field::pragma ||
+                                  id == field::etag || id == field::last_modified;
+        appendLine(aboutCaching ? cachingLines : lines, viewOf(name), value);
+        if (id == field::content_type)
+            contentType = value;
+        hasCacheControl = hasCacheControl || id == field::cache_control;
+        hasTag = hasTag || id == field::etag;
+    }
+}
+
+std::string_view typeOfHandlerAnswer(std::string_view path)
+{
+    return isApiPath(path) ? "application/json" : mimeTypeOfPath(path);
+}
+
+std::string cachingLines(const LocalFile& file, std::string_view path)
+{
+    std::string lines;
+    appendLine(lines, "Cache-Control", cacheControl(cachingOfFile({path, {}, file.size})));
+    appendLine(lines, "ETag", file.etag);
+    appendLine(lines, "Last-Modified", file.lastModified);
+    return lines;
+}
+
+Answer unchanged(std::string_view headerLines, const AnswerForm& form)
+{
+    Answer result;
+    result.by = AnsweredBy::Local;
+    result.status = 304;
+    result.head = statusLine(304).append(headerLines).append(form.connectionLine).append("\r\n");
+    return result;
 }
 
 } // namespace
@@ -72,16 +117,29 @@ Answer handlerAnswer(const QVariantMap& answer, std::string_view path, const Ans
 {
     Answer result;
     result.by = AnsweredBy::Local;
-    result.status = 200;
     result.body = bodyOfHandlerAnswer(answer);
-    result.head = statusLine(200);
+    HandlerHeaders headers(answer.value(QStringLiteral("headerMap")).toMap());
+    if (headers.contentType.empty()) {
+        headers.contentType = typeOfHandlerAnswer(path);
+        appendLine(headers.lines, "Content-Type", headers.contentType);
+    }
 
-    bool typed = false;
-    const QVariantMap headers = answer.value(QStringLiteral("headerMap")).toMap();
-    for (auto header = headers.constBegin(); header != headers.constEnd(); ++header)
-        typed = appendHandlerHeader(result.head, header.key().toUtf8(), header.value()) || typed;
-    if (!typed)
-        appendLine(result.head, "Content-Type", mimeTypeOfPath(path));
+    const LocalContent content{path, headers.contentType, result.body.size()};
+    if (!form.reads || isForOneMoment(content)) {
+        headers.cachingLines.clear();
+        appendLine(headers.cachingLines, "Cache-Control", cacheControl(Caching::Never));
+    } else if (!headers.hasCacheControl) {
+        const Caching caching = cachingOfHandlerAnswer(content);
+        appendLine(headers.cachingLines, "Cache-Control", cacheControl(caching));
+        if (caching == Caching::Revalidate && !headers.hasTag) {
+            const std::string tag = contentTag(result.body);
+            appendLine(headers.cachingLines, "ETag", tag);
+            if (listsTag(form.ifNoneMatch, tag))
+                return unchanged(headers.cachingLines, form);
+        }
+    }
+    result.status = 200;
+    result.head = statusLine(200).append(headers.lines).append(headers.cachingLines);
     finishHead(result, result.body.size(), form);
     return result;
 }
@@ -93,26 +151,15 @@ Answer fileAnswer(LocalFile file, std::string_view path, const AnswerForm& form)
     result.status = 200;
     result.head = statusLine(200);
     appendLine(result.head, "Content-Type", mimeTypeOfPath(path));
-    appendLine(result.head, "ETag", file.etag);
-    appendLine(result.head, "Last-Modified", file.lastModified);
-    // Kept by the browser, but asked about each time: a package may be replaced under the same URL.
-    appendLine(result.head, "Cache-Control", "no-cache");
+    result.head.append(cachingLines(file, path));
     result.file = std::move(file.handle);
     finishHead(result, file.size, form);
     return result;
 }
 
-Answer unchangedFileAnswer(const LocalFile& file, const AnswerForm& form)
+Answer unchangedFileAnswer(const LocalFile& file, std::string_view path, const AnswerForm& form)
 {
-    Answer result;
-    result.by = AnsweredBy::Local;
-    result.status = 304;
-    result.head = statusLine(304);
-    appendLine(result.head, "ETag", file.etag);
-    appendLine(result.head, "Last-Modified", file.lastModified);
-    appendLine(result.head, "Cache-Control", "no-cache");
-    result.head.append(form.connectionLine).append("\r\n");
-    return result;
+    return unchanged(cachingLines(file, path), form);
 }
 
 Answer replyAnswer(OneTimeReply reply, const AnswerForm& form)

@@ -15,6 +15,8 @@ struct OneTimeReply;
 struct AnswerForm
 {
     bool headOnly = false;           //!< a HEAD request
+    bool reads = true;               //!< a GET or HEAD request
+    std::string_view ifNoneMatch;    //!< tags of what the browser has; empty when it has nothing
     std::string_view connectionLine; //!< a complete Connection line, or empty when the default holds
 };
 
@@ -33,16 +35,18 @@ struct Answer
 QByteArray bodyOfHandlerAnswer(const QVariantMap& answer);
 
 /**
- * 200 with the headers and the body of a handler's answer. Headers that would break the message (bad names,
- * line breaks, hop-by-hop fields, Content-Length) are dropped or cleaned; a missing Content-Type follows from
- * `path`.
+ * 200 with the headers and the body of a handler's answer, or 304 when the browser has it already. Headers
+ * that would break the message (bad names, line breaks, hop-by-hop fields, Content-Length) are dropped or
+ * cleaned; a missing Content-Type follows from `path`, a missing Cache-Control from the path, the type and
+ * the body; a Cache-Control that would let the browser keep a page, an API answer or an empty body is
+ * replaced.
  */
 Answer handlerAnswer(const QVariantMap& answer, std::string_view path, const AnswerForm& form);
 
 /** 200 with a local file, for a URL with `path`. */
 Answer fileAnswer(LocalFile file, std::string_view path, const AnswerForm& form);
 /** 304 for a local file that the browser has already. */
-Answer unchangedFileAnswer(const LocalFile& file, const AnswerForm& form);
+Answer unchangedFileAnswer(const LocalFile& file, std::string_view path, const AnswerForm& form);
 
 Answer replyAnswer(OneTimeReply reply, const AnswerForm& form);
 

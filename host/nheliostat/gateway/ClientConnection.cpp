@@ -258,8 +258,8 @@ void ClientConnection::deliver(std::uint64_t serial, const std::optional<QVarian
 
 void ClientConnection::answerFromHandler(const QVariantMap& answer)
 {
-    // An empty page helps nobody: whoever navigates gets the server's.
-    if (m_link->head.isNavigation && bodyOfHandlerAnswer(answer).isEmpty())
+    // An empty page or script helps nobody: whoever needs one gets the server's.
+    if (m_link->head.needsContent && bodyOfHandlerAnswer(answer).isEmpty())
         forward();
     else
         send(handlerAnswer(answer, m_link->target.path(), form()));

@@ -13,6 +13,8 @@ AnswerForm answerForm(const RequestHead& head, bool keepAlive)
 {
     AnswerForm form;
     form.headOnly = head.verb == http::verb::head;
+    form.reads = form.headOnly || head.verb == http::verb::get;
+    form.ifNoneMatch = head.ifNoneMatch;
     if (head.version == 11 && !keepAlive)
         form.connectionLine = "Connection: close\r\n";
     else if (head.version == 10 && keepAlive)
@@ -29,13 +31,15 @@ std::optional<Answer> localFileAnswer(const ViewRoutes& routes, const RequestHea
 
     const auto path = relativeFilePath(*urlBelow(target.url, directory->urlPrefix));
     std::optional<LocalFile> file = path ? openBelow(directory->directory, *path) : std::nullopt;
+    if (!file && head.needsContent)
+        return std::nullopt;
     if (!file) {
         Answer missing = errorAnswer(404, "no such file", form);
         missing.by = GatewayRequestRecord::AnsweredBy::Local;
         return missing;
     }
     if (isUnchanged(*file, head.ifNoneMatch, head.ifModifiedSince))
-        return unchangedFileAnswer(*file, form);
+        return unchangedFileAnswer(*file, target.path(), form);
     return fileAnswer(std::move(*file), target.path(), form);
 }
 

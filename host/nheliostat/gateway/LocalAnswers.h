@@ -16,7 +16,7 @@ AnswerForm answerForm(const RequestHead& head, bool keepAlive);
 
 /**
  * The answer to a GET or HEAD below one of the view's directories: the file, 304 or 404. Nothing when no
- * directory is responsible.
+ * directory is responsible, or has no file for a request that needs one.
  */
 std::optional<Answer> localFileAnswer(const ViewRoutes& routes, const RequestHead& head,
                                       const RequestTarget& target, const AnswerForm& form);

@@ -1,5 +1,7 @@
 #include "gateway/LocalFiles.h"
 
+#include "gateway/CacheRules.h"
+
 #include <QDateTime>
 #include <QLocale>
 
@@ -50,10 +52,15 @@ std::string pathOfDescriptor(int descriptor)
     return size > 0 ? std::string(path.data(), static_cast<std::size_t>(size)) : std::string();
 }
 
+/**
+ * Unpackers restore modification times, so another file of equal size and time may come to lie at the place:
+ * the file's number and the time of its last change tell them apart.
+ */
 std::string entityTag(const struct stat& information)
 {
-    const qint64 nanoseconds = qint64(information.st_mtim.tv_sec) * 1000000000 + information.st_mtim.tv_nsec;
-    const QByteArray text = '"' + QByteArray::number(nanoseconds, 16) + '-' +
+    const qint64 changed = qint64(information.st_ctim.tv_sec) * 1000000000 + information.st_ctim.tv_nsec;
+    const QByteArray text = '"' + QByteArray::number(changed, 16) + '-' +
+                            QByteArray::number(quint64(information.st_ino), 16) + '-' +
                             QByteArray::number(qint64(information.st_size), 16) + '"';
     return text.toStdString();
 }
@@ -111,9 +118,9 @@ std::optional<LocalFile> openBelow(const std::string& directory, const std::stri
 
 bool isUnchanged(const LocalFile& file, std::string_view ifNoneMatch, std::string_view ifModifiedSince)
 {
-    // The tag decides alone when there is one; it is quoted, so finding it in the list is matching it.
+    // The tag decides alone when there is one.
     if (!ifNoneMatch.empty())
-        return ifNoneMatch == "*" || ifNoneMatch.find(file.etag) != std::string_view::npos;
+        return listsTag(ifNoneMatch, file.etag);
     if (ifModifiedSince.empty())
         return false;
     const auto parse = [](std::string_view text) {

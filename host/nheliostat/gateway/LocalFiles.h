@@ -13,7 +13,7 @@ struct LocalFile
 {
     FileHandle handle;
     std::int64_t size = 0;
-    std::string etag;         //!< quoted, changes with size and modification time
+    std::string etag;         //!< quoted, changes with the file and with every write to it
     std::string lastModified; //!< an HTTP date
 };
 

@@ -55,8 +55,11 @@ struct GatewayOptions
  * forwarded.
  *
  * Handlers run on gateway threads, one of which serves many connections: a handler that takes long hands the
- * callback on. One that throws has not taken the request. An empty answer to a navigation sends the request
- * to the network instead. Local directories answer GET and HEAD only.
+ * callback on. One that throws has not taken the request. The browser keeps what handlers answer for a URL
+ * that names its content by a hash, asks again before it uses other scripts, styles, fonts and images, and
+ * keeps nothing else, unless the answer has a Cache-Control of its own. An empty answer to a request
+ * for a page, script or style sends it to the network instead, and so does a file that a local directory
+ * lacks. Local directories answer GET and HEAD only.
  *
  * All members may be called from any thread. Destruction ends every connection and joins the threads; it must
  * not happen on a gateway thread, nor while a handler waits for the destroying thread.
@@ -101,7 +104,8 @@ public:
 
     /**
      * Files below `directory` answer requests below `urlPrefix`, the longest prefix first; a missing file and
-     * a symbolic link out of the directory are a 404. The browser keeps files, but asks whether they changed.
+     * a symbolic link out of the directory are a 404. The browser keeps files, but asks whether they changed
+     * unless their names hold a hash of the content.
      */
     void setLocalDirectory(const QByteArray& viewId, const QString& urlPrefix, const QString& directory);
     void removeLocalDirectory(const QByteArray& viewId, const QString& urlPrefix);

@@ -32,7 +32,7 @@ void RequestHead::reset(std::size_t capacity)
     MessageHead::reset(capacity);
     verb = http::verb::unknown;
     method = target = viewId = proxyAuthorization = ifNoneMatch = ifModifiedSince = {};
-    namesTransferCoding = expectsContinue = isNavigation = false;
+    namesTransferCoding = expectsContinue = needsContent = false;
 }
 
 void RequestHead::addField(http::field id, std::string_view name, std::string_view value)
@@ -57,7 +57,10 @@ void RequestHead::addField(http::field id, std::string_view name, std::string_vi
         if (equalsIgnoringCase(name, RequestGateway::viewHeader))
             viewId = value;
         else if (equalsIgnoringCase(name, "Sec-Fetch-Mode"))
-            isNavigation = equalsIgnoringCase(value, "navigate");
+            needsContent = needsContent || equalsIgnoringCase(value, "navigate");
+        else if (equalsIgnoringCase(name, "Sec-Fetch-Dest"))
+            needsContent =
+                needsContent || equalsIgnoringCase(value, "script") || equalsIgnoringCase(value, "style");
         break;
     default:
         break;

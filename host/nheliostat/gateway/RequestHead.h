@@ -55,7 +55,8 @@ public:
     std::string_view ifModifiedSince;
     bool namesTransferCoding = false;
     bool expectsContinue = false;
-    bool isNavigation = false;
+    /** A page, script or style is asked for: without content it is of no use. */
+    bool needsContent = false;
 };
 
 /** Parses one request: the head into a RequestHead, then the body, decoded, into a text. */

@@ -105,6 +105,10 @@ IoResult Transport::write(const iovec* parts, int count, bool more)
             ::sendmsg(m_socket.native_handle(), &message, MSG_NOSIGNAL | (more ? MSG_MORE : 0)),
             IoResult::Status::NeedsWrite);
     }
+    ERR_clear_error();
+    if (count == 1)
+        return tlsResult(SSL_write(m_ssl.get(), parts->iov_base,
+                                   static_cast<int>(std::min(parts->iov_len, tlsRecordSize))));
     // A head and a small body share one record.
     static thread_local TlsRecord record;
     std::size_t filled = 0;
@@ -113,7 +117,6 @@ IoResult Transport::write(const iovec* parts, int count, bool more)
         std::memcpy(record.data() + filled, parts[i].iov_base, piece);
         filled += piece;
     }
-    ERR_clear_error();
     return tlsResult(SSL_write(m_ssl.get(), record.data(), static_cast<int>(filled)));
 }
 

@@ -26,6 +26,11 @@ DirectoryPlugin::DirectoryPlugin(QString name, QString directory)
 {
 }
 
+bool DirectoryPlugin::isComplete(const QString& directory)
+{
+    return !versionOf(directory).isEmpty();
+}
+
 QString DirectoryPlugin::name() const
 {
     return m_name;
@@ -35,10 +40,14 @@ int DirectoryPlugin::load(int priority, int options)
 {
     Q_UNUSED(priority)
     Q_UNUSED(options)
-    m_version = versionOf(m_directory);
-    m_state = m_version.isEmpty() ? LoadFailed : Loaded;
-    QMetaObject::invokeMethod(this, m_state == Loaded ? &NPlugin::loadSuccess : &NPlugin::loadFailed,
-                              Qt::QueuedConnection);
+    const QString version = versionOf(m_directory);
+    const State reached = version.isEmpty() ? LoadFailed : Loaded;
+    const bool isNews = reached == LoadFailed || m_state != Loaded || m_version != version;
+    m_version = version;
+    m_state = reached;
+    if (isNews)
+        QMetaObject::invokeMethod(this, m_state == Loaded ? &NPlugin::loadSuccess : &NPlugin::loadFailed,
+                                  Qt::QueuedConnection);
     return m_state;
 }
 

@@ -6,7 +6,7 @@
  * A plug-in that lies unpacked in a directory. It is complete when its file "version" holds a text.
  *
  * `load` answers at once, 3 or 2, and reports by `loadSuccess` or `loadFailed` at the next turn of the event
- * loop.
+ * loop; loading again what is loaded already reports nothing.
  */
 class DirectoryPlugin final : public NPlugin
 {
@@ -20,6 +20,9 @@ public:
     QString localPath() const override;
     /** "version" while loaded; nothing else is known. */
     QVariant getProp(const QString& name) const override;
+
+    /** Whether a plug-in lies in the directory. */
+    static bool isComplete(const QString& directory);
 
     QString directory() const { return m_directory; }
     void setDirectory(const QString& directory);

@@ -7,6 +7,7 @@
 PluginStore::PluginStore(const QMap<QString, zeolite::PluginDirectories>& directories)
 {
     for (auto plugin = directories.begin(); plugin != directories.end(); ++plugin) {
+        m_installed.insert(plugin.key(), plugin->path);
         m_plugins.insert(plugin.key(), std::make_shared<DirectoryPlugin>(plugin.key(), plugin->path));
         setUpgradePath(plugin.key(), plugin->upgradePath);
     }
@@ -32,14 +33,17 @@ NPluginUpgradeManager* PluginStore::getPluginUpgradeManager()
 
 void PluginStore::rescan(const QString& name)
 {
+    if (const auto upgrade = m_upgrades.plugins.value(name)) {
+        useUpgrade(name, upgrade->directory());
+        upgrade->rescan();
+    }
     if (const auto plugin = m_plugins.value(name))
         plugin->rescan();
-    if (const auto upgrade = m_upgrades.plugins.value(name))
-        upgrade->rescan();
 }
 
 void PluginStore::setUpgradePath(const QString& name, const QString& path)
 {
+    useUpgrade(name, path);
     if (path.isEmpty()) {
         m_upgrades.plugins.remove(name);
         return;
@@ -49,6 +53,16 @@ void PluginStore::setUpgradePath(const QString& name, const QString& path)
         upgrade->setDirectory(path);
     else
         upgrade = std::make_shared<DirectoryPlugin>(name, path);
+}
+
+void PluginStore::useUpgrade(const QString& name, const QString& path)
+{
+    const QString directory = DirectoryPlugin::isComplete(path) ? path : m_installed.value(name);
+    const auto plugin = m_plugins.value(name);
+    if (!plugin && !directory.isEmpty())
+        m_plugins.insert(name, std::make_shared<DirectoryPlugin>(name, directory));
+    else if (plugin && plugin->directory() != directory)
+        plugin->setDirectory(directory);
 }
 
 NPluginPtr PluginStore::Upgrades::getPlugin(const QString& name)

@@ -14,6 +14,11 @@ QString url(const QString& key)
     return domains ? domains->getDomainUrl(key) : QString();
 }
 
+QString origin(const QString& key)
+{
+    return QUrl(url(key)).toString(QUrl::RemovePort | QUrl::StripTrailingSlash);
+}
+
 QString host(const QString& key)
 {
     return QUrl(url(key)).host();

@@ -8,6 +8,8 @@ namespace ndomains {
 /** The URL of a domain key ("quill", "drive", …); empty when it is not configured or there are no shared
  * services. */
 QString url(const QString& key);
+/** That URL without its port. */
+QString origin(const QString& key);
 /** The host of that URL. */
 QString host(const QString& key);
 

@@ -44,8 +44,26 @@ public:
     NCCCommonSettings();
 };
 
+namespace kcc {
+
+/** A settings store of the configuration. */
+class NCCBaseSettings : public NSettings
+{
+public:
+    using NSettings::NSettings;
+};
+
+} // namespace kcc
+
+/** The configuration of the suite. */
+class NCCOfficeSettings : public kcc::NCCBaseSettings
+{
+public:
+    using NCCBaseSettings::NCCBaseSettings;
+};
+
 /** The configuration of plug-ins. */
-class NCCPluginsSettings : public NSettings
+class NCCPluginsSettings : public NCCOfficeSettings
 {
 public:
     NCCPluginsSettings();

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+class NAccountSdkProxy;
 class NCloudSvrProxy;
 class NDcInfoC;
 class NDomainMgr;
@@ -21,6 +22,7 @@ public:
     virtual NDomainMgr* getDomainMgr() = 0;
     virtual NPluginManager* getPluginManager() = 0;
     virtual NCloudSvrProxy* getCloudSvrProxy() = 0;
+    virtual NAccountSdkProxy* getAccountSDK() = 0;
     /** The debug information of the installation, JSON text; empty when there is none. */
     virtual QString debugInfo() const = 0;
 };

@@ -9,7 +9,7 @@ namespace documents {
 void writeFile(const QString& path, const QByteArray& content);
 QByteArray readFile(const QString& path);
 
-/** A directory holding a small site in "site" and room for documents in "documents". */
+/** A directory holding a small site in "site", with room for documents in "documents" and for "packages". */
 class TemporarySite
 {
 public:
@@ -17,6 +17,7 @@ public:
 
     QString site() const { return m_directory.filePath(QStringLiteral("site")); }
     QString documents() const { return m_directory.filePath(QStringLiteral("documents")); }
+    QString packages() const { return m_directory.filePath(QStringLiteral("packages")); }
     QString path(const char* relative) const { return m_directory.filePath(QLatin1String(relative)); }
 
     /** Writes a file at a path relative to the directory, folders included. */

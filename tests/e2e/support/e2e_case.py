@@ -12,6 +12,7 @@ from helio_shell import DocumentsServer, Shell, merged
 BUILD = os.environ["SKYLEAF_BUILD"]
 PROGRAMS = os.path.join(BUILD, "bin")
 SITE = os.path.join(BUILD, "webapp", "site")
+PACKAGE_ZIPS = os.path.join(BUILD, "webapp", "package-zips")
 
 TEXT_DOCUMENT = "/p/100001?officeType=w"
 TABLE_DOCUMENT = "/p/100002?officeType=s"
@@ -30,7 +31,7 @@ class EndToEndCase(unittest.TestCase):
         cls.addClassCleanup(shutil.rmtree, cls.directory, ignore_errors=True)
         cls.documents = os.path.join(cls.directory, "documents")
         os.makedirs(cls.documents)
-        cls.server = DocumentsServer(PROGRAMS, cls.documents, SITE)
+        cls.server = DocumentsServer(PROGRAMS, cls.documents, SITE, ["--packages", PACKAGE_ZIPS])
         cls.addClassCleanup(cls.server.stop)
 
     def start_shell(self, host=None, **options):

@@ -195,14 +195,73 @@ TEST_F(GatewayHandlers, ReleaseWithoutAnswerEndsInAnError)
     }
 }
 
-TEST_F(GatewayHandlers, EmptyPagesComeFromTheNetwork)
+TEST_F(GatewayHandlers, EmptyPagesAndScriptsComeFromTheNetwork)
 {
     add(answeringWith(QByteArray()));
     EXPECT_EQ(client().get(url, "Sec-Fetch-Mode: navigate\r\n").body(), "network");
+    EXPECT_EQ(client().get(url, "Sec-Fetch-Dest: script\r\n").body(), "network");
     const auto other = client().get(url, "Sec-Fetch-Mode: cors\r\n");
     EXPECT_EQ(other.result_int(), 200u);
     EXPECT_EQ(other.body(), "");
     EXPECT_EQ(m_records.take(2)[0].by, AnsweredBy::Network);
+}
+
+TEST_F(GatewayHandlers, TheBrowserKeepsScriptsOnlyWhileTheyStayTheSame)
+{
+    QByteArray script = "let version = 1;";
+    add([&script](const IWebViewResourceProviderCallbackPtr& callback) {
+        callback->complete(bodyOnly(script));
+        return true;
+    });
+    const std::string app = "http://docs.example.test/js/app.js";
+    ProxyClient browser = client();
+    const auto first = browser.get(app);
+    EXPECT_EQ(std::string(first[http::field::cache_control]), "no-cache");
+    const std::string known = "If-None-Match: \"x\", " + std::string(first[http::field::etag]) + "\r\n";
+    const auto unchanged = browser.get(app, known);
+    EXPECT_EQ(unchanged.result_int(), 304u);
+    EXPECT_EQ(unchanged.body(), "");
+    EXPECT_EQ(std::string(unchanged[http::field::etag]), std::string(first[http::field::etag]));
+    script[14] = '2'; // in place: the next answer may well lie at the same address
+    EXPECT_EQ(browser.get(app, known).body(), "let version = 2;");
+
+    const std::pair<const char*, const char*> others[] = {
+        {"js/app.0123abcd.js", "public, max-age=31536000, immutable"},
+        {"p/100001", "no-store"},
+        {"api/v3/office/files", "no-store"},
+    };
+    for (const auto& [path, caching] : others) {
+        const auto answer = browser.get("http://docs.example.test/" + std::string(path));
+        EXPECT_EQ(std::string(answer[http::field::cache_control]), caching) << path;
+        EXPECT_EQ(answer.count(http::field::etag), 0u) << path;
+    }
+    EXPECT_EQ(std::string(browser.get("http://docs.example.test/office-config/1")[http::field::content_type]),
+              "application/json");
+    browser.send("POST", app, {}, "x");
+    EXPECT_EQ(std::string(browser.receive()[http::field::cache_control]), "no-store");
+    script.clear();
+    EXPECT_EQ(
+        std::string(browser.get("http://docs.example.test/js/app.0123abcd.js")[http::field::cache_control]),
+        "no-store");
+}
+
+TEST_F(GatewayHandlers, OwnCacheControlCountsWhereKeepingIsSafe)
+{
+    add([](const IWebViewResourceProviderCallbackPtr& callback) {
+        const QVariantMap headers = {{QStringLiteral("cache-control"), QStringLiteral("max-age=60")},
+                                     {QStringLiteral("ETag"), QByteArrayLiteral("\"own\"")}};
+        callback->complete({{QStringLiteral("headerMap"), headers},
+                            {QStringLiteral("resourceData"), QByteArrayLiteral("body")}});
+        return true;
+    });
+    ProxyClient browser = client();
+    const auto own = browser.get("http://docs.example.test/app.0123abcd.js");
+    EXPECT_EQ(std::string(own[http::field::cache_control]), "max-age=60");
+    EXPECT_EQ(own.count(http::field::cache_control), 1u);
+    EXPECT_EQ(std::string(own[http::field::etag]), "\"own\"");
+    const auto replaced = browser.get("http://docs.example.test/api/files");
+    EXPECT_EQ(std::string(replaced[http::field::cache_control]), "no-store");
+    EXPECT_EQ(replaced.count(http::field::etag), 0u);
 }
 
 TEST_F(GatewayHandlers, RemovalLetsTakenRequestsFinish)

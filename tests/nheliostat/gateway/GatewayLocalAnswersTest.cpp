@@ -12,7 +12,10 @@
 
 #include <gmock/gmock.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+
+#include <cstdio>
 
 namespace http = boost::beast::http;
 
@@ -80,6 +83,31 @@ TEST_F(GatewayLocalAnswers, FilesAreServedWithTheirTypeAndRevalidated)
     EXPECT_EQ(std::string(head[http::field::content_length]), "6");
     browser.send("POST", base + "sub/a%20b.js", {}, "body");
     EXPECT_EQ(browser.receive().body(), "network");
+}
+
+TEST_F(GatewayLocalAnswers, AFileReplacedByOneOfItsSizeAndTimeIsSentAnew)
+{
+    const std::string file = path(QStringLiteral("root/app.js")).toStdString();
+    const std::string unpacked = path(QStringLiteral("root/new")).toStdString();
+    const auto unpack = [&](const QByteArray& content) {
+        write(QStringLiteral("root/new"), content);
+        const timespec times[] = {{1'000'000'000, 0}, {1'000'000'000, 0}};
+        ASSERT_EQ(::utimensat(AT_FDCWD, unpacked.c_str(), times, 0), 0);
+        ASSERT_EQ(std::rename(unpacked.c_str(), file.c_str()), 0);
+    };
+    unpack("version 1");
+    const auto first = get("app.js");
+    EXPECT_EQ(std::string(first[http::field::cache_control]), "no-cache");
+    const std::string known = "If-None-Match: " + std::string(first[http::field::etag]) + "\r\n";
+    EXPECT_EQ(get("app.js", known).result_int(), 304u);
+    unpack("version 2");
+    EXPECT_EQ(get("app.js", known).body(), "version 2");
+
+    write(QStringLiteral("root/app.0123abcd.js"), "x");
+    write(QStringLiteral("root/none.0123abcd.js"), "");
+    EXPECT_EQ(std::string(get("app.0123abcd.js")[http::field::cache_control]),
+              "public, max-age=31536000, immutable");
+    EXPECT_EQ(std::string(get("none.0123abcd.js")[http::field::cache_control]), "no-store");
 }
 
 TEST_F(GatewayLocalAnswers, NothingOutsideTheDirectoryIsServed)

@@ -1,4 +1,5 @@
 #include "gateway/Answers.h"
+#include "gateway/CacheRules.h"
 #include "gateway/Credentials.h"
 #include "gateway/HeaderRules.h"
 #include "gateway/LocalFiles.h"
@@ -81,6 +82,47 @@ TEST(GatewayRules, MediaTypesFollowTheLastSuffix)
     EXPECT_EQ(mimeTypeOfPath("/a.unheard"), "application/octet-stream");
 }
 
+TEST(GatewayRules, UrlsNameTheirContentByAHash)
+{
+    for (const char* path : {"/js/app.0123abcd.js", "/a.b.DEADBEEF01.css", "/x.00000000.wasm",
+                             "/f.12345678.woff2", "/i.12345678.json", "/m.12345678.mjs"})
+        EXPECT_TRUE(namesItsContent(path)) << path;
+    for (const char* path :
+         {"/app.js", "/app.1234567.js", "/app.0123abcg.js", "/.0123abcd.js", "/app.0123abcd.html",
+          "/app.0123abcd", "/app.0123abcd.js/", "/0123abcd.js", "/app.0123abcd.JS", "/"})
+        EXPECT_FALSE(namesItsContent(path)) << path;
+}
+
+TEST(GatewayRules, WhatTheBrowserMayKeepFollowsFromTheAnswer)
+{
+    const std::string_view script = "text/javascript; charset=utf-8";
+    const std::string_view page = "Text/HTML; charset=utf-8";
+    const struct
+    {
+        LocalContent content;
+        Caching ofHandler;
+        Caching ofFile;
+    } cases[] = {
+        {{"/js/app.0123abcd.js", script, 1}, Caching::Forever, Caching::Forever},
+        {{"/js/app.0123abcd.js", script, 0}, Caching::Never, Caching::Never},
+        {{"/js/app.0123abcd.js", page, 1}, Caching::Never, Caching::Forever},
+        {{"/js/app.js", script, 8 << 20}, Caching::Revalidate, Caching::Revalidate},
+        {{"/js/app.js", script, (8 << 20) + 1}, Caching::Never, Caching::Revalidate},
+        {{"/logo", "image/png", 1}, Caching::Revalidate, Caching::Revalidate},
+        {{"/p/1", page, 1}, Caching::Never, Caching::Revalidate},
+        {{"/data.json", "application/json", 1}, Caching::Never, Caching::Revalidate},
+        {{"/api/i.0123abcd.json", "application/json", 1}, Caching::Never, Caching::Forever},
+        {{"/office-config/1", script, 1}, Caching::Never, Caching::Revalidate},
+    };
+    for (const auto& entry : cases) {
+        EXPECT_EQ(cachingOfHandlerAnswer(entry.content), entry.ofHandler)
+            << entry.content.path << entry.content.size;
+        EXPECT_EQ(cachingOfFile(entry.content), entry.ofFile) << entry.content.path << entry.content.size;
+    }
+    EXPECT_EQ(contentTag("a"), contentTag(QByteArray(1, 'a')));
+    EXPECT_NE(contentTag("a"), contentTag("b"));
+}
+
 TEST(GatewayRules, CredentialsMustMatchExactly)
 {
     const Credentials credentials;
@@ -115,12 +157,15 @@ TEST(GatewayRules, HandlerHeadersCannotBreakTheMessage)
                              {QStringLiteral("resourceData"), QByteArrayLiteral("body")}};
     const Answer answer = handlerAnswer(map, "/a.js", {});
     EXPECT_EQ(answer.head, "HTTP/1.1 200 OK\r\nX-Bytes: rawInjected: 1\r\ncontent-type: text/plain\r\n"
-                           "x-client-proxy: true\r\nContent-Length: 4\r\n\r\n");
+                           "x-client-proxy: true\r\nCache-Control: no-store\r\nContent-Length: 4\r\n\r\n");
 
-    const Answer bare = handlerAnswer({}, "/a.js", {true, "Connection: close\r\n"});
-    EXPECT_EQ(bare.head, "HTTP/1.1 200 OK\r\nContent-Type: text/javascript; charset=utf-8\r\n"
-                         "Content-Length: 0\r\nConnection: close\r\n\r\n");
-    EXPECT_EQ(handlerAnswer(map, "/", {true, {}}).bodyBytes, 0);
+    AnswerForm head;
+    head.headOnly = true;
+    EXPECT_EQ(handlerAnswer(map, "/", head).bodyBytes, 0);
+    head.connectionLine = "Connection: close\r\n";
+    EXPECT_EQ(handlerAnswer({}, "/a.js", head).head,
+              "HTTP/1.1 200 OK\r\nContent-Type: text/javascript; charset=utf-8\r\nCache-Control: no-store\r\n"
+              "Content-Length: 0\r\nConnection: close\r\n\r\n");
 }
 
 TEST(GatewayRules, UpstreamHeadsCarryEndToEndFieldsOnly)

@@ -1,23 +1,17 @@
 import crelt from 'crelt';
-import { renderHtmlPreview } from '../preview/htmlPreview.js';
-import { renderTablePreview } from '../preview/tablePreview.js';
-import { renderTextPreview } from '../preview/textPreview.js';
+import { contentPreview, renderingPreview, storedPreview } from '../preview/preview.js';
 import { saveText } from '../ui/saveText.js';
+import { confirmedDocument } from './confirmation.js';
+import { renderingOf } from './DocumentsApi.js';
 import { EditingSession } from './EditingSession.js';
-import { newConnectionId, readInjected } from './inject.js';
+import { askForFile } from './fileRequests.js';
+import { Injection, newConnectionId } from './inject.js';
 import { documentUrl, parseLocation } from './location.js';
 import { officeType } from './officeTypes.js';
+import { openedFrom, sourceOf } from './openedReply.js';
+import { OpenProblem } from './OpenProblem.js';
 import { OpenProgress } from './OpenProgress.js';
-import { readPreopenReply } from './preopenReply.js';
-
-/** Ends an opening with a text for the user; a retry opens again, or reloads the page when scripts are missing. */
-class OpenProblem extends Error {
-  constructor(title, detail, { reloads = false } = {}) {
-    super(detail);
-    this.title = title;
-    this.reloads = reloads;
-  }
-}
+import { reconciliation } from './reconciliation.js';
 
 /**
  * The page of one document type. It opens what the page's URL names: shows at once what the desktop side left in the
@@ -31,6 +25,9 @@ export class DocumentScreen {
   #editors;
   #native;
   #progress;
+  #frontVersion;
+  #early;
+  #injection;
   #session = null;
   #opening = null;
 
@@ -42,14 +39,19 @@ export class DocumentScreen {
    * @param {import('../ui/PageFrame.js').PageFrame} parts.frame
    * @param {import('./EditorRegistry.js').EditorRegistry} parts.editors
    * @param {import('./NativeSide.js').NativeSide} parts.native
+   * @param {string} [parts.frontVersion] the version of the page
+   * @param {import('./EarlyOpening.js').EarlyOpening | null} [parts.early] what the page began by itself
    */
-  constructor({ window, typeCode, api, frame, editors, native }) {
+  constructor({ window, typeCode, api, frame, editors, native, frontVersion = null, early = null }) {
     this.#window = window;
     this.#typeCode = typeCode;
     this.#api = api;
     this.#frame = frame;
     this.#editors = editors;
     this.#native = native;
+    this.#frontVersion = frontVersion;
+    this.#early = early;
+    this.#injection = new Injection(window);
     this.#progress = new OpenProgress(window);
   }
 
@@ -126,7 +128,8 @@ export class DocumentScreen {
 
   async #openLocation(signal, mayReload) {
     const location = parseLocation(this.#window.location);
-    this.#progress.begin({ fileId: location.fileId || null, officeType: this.#typeCode });
+    const isEarly = this.#early !== null && this.#early.fileId === location.fileId;
+    if (!isEarly) this.#begin(location.fileId || null);
     this.#frame.hideAllNotices();
     this.#frame.setSaveState('');
     if (location.kind === 'none') {
@@ -137,8 +140,17 @@ export class DocumentScreen {
       this.#goToOtherType(location.officeType, mayReload);
       return;
     }
+    const { hasEditor, label } = officeType(this.#typeCode);
+    if (!hasEditor) {
+      const detail = `Documents of type "${this.#typeCode}" (${label}) cannot be shown by this front end so far.`;
+      throw new OpenProblem('No editor for this kind yet', detail);
+    }
     const fileId = location.kind === 'new' ? await this.#create(signal) : location.fileId;
     if (!signal.aborted) await this.#openFile(fileId, signal);
+  }
+
+  #begin(fileId) {
+    this.#progress.begin({ fileId, officeType: this.#typeCode, frontVersion: this.#frontVersion });
   }
 
   #showReady() {
@@ -168,34 +180,118 @@ export class DocumentScreen {
   }
 
   async #openFile(fileId, signal) {
-    const injected = readInjected(this.#window.__INJECT__);
-    const connId = injected.connId || newConnectionId();
+    const early = this.#takeEarly(fileId, signal);
+    const injected = early ? early.injected : this.#injection.read();
+    const connId = early ? early.connId : injected.connId || newConnectionId();
+    const asked = early ? early.replies
+      : askForFile(this.#api, { fileId, typeCode: this.#typeCode, connId, injected, signal });
     this.#frame.setTitle(injected.fileName || 'Document');
-    this.#frame.showBusy('Opening…');
-    const hasPreview = this.#showInjected(injected);
+    if (!early || !early.showsStored) this.#showStored(injected);
+    this.#followEnvConfig(asked.envConfig, signal);
+    if (asked.rendered) this.#followRendering(asked.rendered, signal);
+    asked.preopen.then(() => signal.aborted || this.#progress.step('reply'));
 
-    const preopen = this.#api.preopen(fileId, this.#typeCode, connId, { signal });
-    this.#followEnvConfig(this.#api.envConfig(fileId, connId, { signal }), signal);
-    // A connection id from the desktop side means that it may hold the server's rendering already.
-    if (injected.connId && !hasPreview) this.#followRendering(this.#api.rendered(fileId, connId, { signal }), signal);
-
-    const opened = this.#readOpened(await preopen, fileId);
+    const ask = () => this.#api.preopen(fileId, this.#typeCode, connId, { signal });
+    if (injected.content && (await this.#openCopy({ fileId, injected, reply: asked.preopen, ask, signal }))) return;
+    const reply = await asked.preopen;
+    const opened = this.#readOpened(reply, fileId);
     if (signal.aborted) return;
     this.#frame.setTitle(opened.fileName);
-    if (!this.#editors.has(this.#typeCode)) this.#preview(this.#render(opened.content));
+    const from = sourceOf(reply);
+    if (!this.#editors.has(this.#typeCode)) this.#preview(contentPreview(opened.content, this.#typeCode), from);
     const mount = await this.#editor();
-    if (!signal.aborted) this.#edit(opened, mount);
+    if (!signal.aborted) await this.#edit(opened, mount, from);
+  }
+
+  /** What the page began before this script was there, when it is for the file that is to be opened. */
+  #takeEarly(fileId, signal) {
+    const early = this.#early;
+    this.#early = null;
+    if (early === null) return null;
+    if (early.fileId !== fileId) {
+      early.giveUp();
+      return null;
+    }
+    signal.addEventListener('abort', () => early.giveUp(), { once: true });
+    return early;
+  }
+
+  #showStored(injected) {
+    const preview = storedPreview(injected, this.#typeCode);
+    if (preview) this.#preview(preview, 'injected');
+    else this.#frame.showBusy('Opening…');
+  }
+
+  /**
+   * Opens the copy that the desktop side put into the page, and compares it with the server's document as soon as
+   * that is there. @returns {Promise<boolean>} false when the editor cannot read the copy
+   */
+  async #openCopy({ fileId, injected, reply, ask, signal }) {
+    const mount = await this.#editor();
+    if (signal.aborted) return true;
+    const copy = { fileId, fileName: injected.fileName || 'Document', version: null, content: injected.content };
+    try {
+      await this.#edit(copy, mount, 'injected');
+    } catch {
+      return false;
+    }
+    const local = { content: injected.content, version: injected.contentVersion };
+    const session = this.#session;
+    this.#confirm({ local, session, mount, reply, ask, fileId, signal, offlineEditing: injected.offlineEditing });
+    return true;
+  }
+
+  async #confirm({ local, session, mount, reply, ask, fileId, signal, offlineEditing }) {
+    const onFailure = (message, tryAgain) => {
+      const kept = offlineEditing ? 'You can go on; changes are sent when the server answers.' : 'Changes are kept in this page only.';
+      const text = `This is the copy on this computer: the server's document could not be read (${message}). ${kept}`;
+      this.#frame.showNotice({ id: 'unconfirmed', text, actions: [{ label: 'Try again', run: tryAgain }] });
+      this.#progress.set({ error: message });
+    };
+    let source = 'network';
+    const read = (answer) => {
+      source = sourceOf(answer);
+      return this.#readReply(answer, fileId);
+    };
+    const server = await confirmedDocument({ reply, ask, read, onFailure, signal });
+    if (server === null || this.#session !== session) return;
+    this.#frame.hideNotice('unconfirmed');
+    this.#progress.set({ error: null });
+    this.#frame.setTitle(server.fileName);
+    switch (reconciliation(local, server, session.hasUnsavedChanges)) {
+      case 'same':
+        session.rebase(server.version);
+        break;
+      case 'send':
+        session.rebase(server.version, { unsent: true });
+        break;
+      case 'conflict':
+        session.refuse(server.version);
+        break;
+      default:
+        await this.#showNewer(server, mount, source);
+    }
+  }
+
+  async #showNewer(server, mount, from) {
+    try {
+      await this.#edit(server, mount, from);
+    } catch (error) {
+      this.#session.refuse(server.version);
+      const text = `The server's document cannot be read by this editor (${error.message}); this is the copy on this computer.`;
+      this.#frame.showNotice({ id: 'unconfirmed', text });
+    }
+  }
+
+  #readReply(reply, fileId) {
+    if (reply.ok) this.#progress.setSource('preopen', reply.source);
+    return openedFrom(reply, fileId, this.#typeCode);
   }
 
   #readOpened(reply, fileId) {
-    if (!reply.ok && reply.status === 404) {
-      throw new OpenProblem('There is no such document', `The server knows no document "${fileId}" of this type.`);
-    }
-    if (!reply.ok) throw new OpenProblem('The document could not be opened', `Document ${fileId}: ${reply.message}.`);
-    this.#progress.setSource('preopen', reply.source);
-    const opened = readPreopenReply(reply.value, this.#typeCode);
-    if (!opened.ok) throw new OpenProblem('The document could not be opened', `Document ${fileId}: ${opened.message}.`);
-    return { ...opened, fileId: opened.fileId || fileId };
+    const opened = this.#readReply(reply, fileId);
+    if (!opened.ok) throw new OpenProblem(opened.title, `${opened.message}.`);
+    return opened;
   }
 
   async #editor() {
@@ -206,21 +302,51 @@ export class DocumentScreen {
     }
   }
 
-  #edit(opened, mount) {
+  /**
+   * Puts a document into the editor, in the place of an earlier one if there is one. What was shown stays until the
+   * editor stands. Rejects, with everything as it was, when the editor cannot read the content.
+   */
+  async #edit(opened, mount, from) {
     const host = crelt('div', { class: `editor editor-${this.#typeCode}` });
-    const onSaveState = (state) => this.#showSaveState(state);
-    this.#frame.show(host);
+    const earlier = this.#session;
+    let session = null;
+    const onSaveState = (state) => (session === null || this.#session === session) && this.#showSaveState(state);
+    this.#frame.insert(host);
+    this.#progress.step('mount');
     try {
-      this.#session = new EditingSession({ opened, mount, host, api: this.#api, onSaveState });
+      session = new EditingSession({ opened, mount, host, api: this.#api, onSaveState });
+      this.#session = session;
+      if (session.ready) await session.ready;
     } catch (error) {
-      this.#preview(this.#render(opened.content));
+      host.remove();
+      this.#session = earlier;
+      if (earlier === null) this.#previewUnlessShown(opened.content, from);
       throw new OpenProblem('The editor cannot read this document', error.message);
     }
-    this.#progress.textShown();
-    this.#showSaveState({ kind: 'saved' });
-    this.#session.focus();
-    this.#progress.editable();
-    this.#reportReady(opened);
+    if (this.#session !== session) return;
+    if (earlier && earlier.hasUnsavedChanges) {
+      this.#keep(earlier, { instead: session, host, version: opened.version });
+      return;
+    }
+    this.#frame.reveal(host);
+    this.#injection.used();
+    this.#progress.textShown(from);
+    if (earlier) earlier.discard();
+    session.focus();
+    if (!earlier) this.#reportReady(opened);
+    this.#progress.editable(from);
+  }
+
+  /** Something was typed while the newer document was being built: that is not thrown away. */
+  #keep(earlier, { instead, host, version }) {
+    instead.discard();
+    host.remove();
+    this.#session = earlier;
+    earlier.refuse(version);
+  }
+
+  #previewUnlessShown(content, from) {
+    if (!this.#progress.state.visible) this.#preview(contentPreview(content, this.#typeCode), from);
   }
 
   async #reportReady({ fileId, fileName }) {
@@ -252,26 +378,22 @@ export class DocumentScreen {
     this.open();
   }
 
-  #render(content) {
-    return this.#typeCode === 'w' ? renderTextPreview(content) : renderTablePreview(content);
-  }
-
-  #preview(node) {
-    this.#frame.show(crelt('div', { class: 'preview', 'aria-readonly': 'true' }, node));
-    this.#progress.textShown();
-  }
-
-  #showInjected({ content, cachedHtml }) {
-    if (content) this.#preview(this.#render(content));
-    else if (cachedHtml) this.#preview(renderHtmlPreview(cachedHtml, this.#typeCode));
-    return Boolean(content || cachedHtml);
+  #preview(node, from) {
+    this.#frame.show(node);
+    this.#progress.textShown(from);
   }
 
   async #followRendering(rendered, signal) {
     const reply = await rendered;
-    const html = reply.ok && reply.value && reply.value.ssr && reply.value.ssr.html;
-    if (signal.aborted || this.#session || this.#progress.state.error || typeof html !== 'string') return;
-    this.#preview(renderHtmlPreview(html, this.#typeCode));
+    const html = reply.ok ? renderingOf(reply.value) : null;
+    if (html === null || signal.aborted || this.#session || this.#progress.state.error) return;
+    this.#preview(renderingPreview(html, this.#typeCode), sourceOf(reply));
+  }
+
+  #showFrontVersion(wanted) {
+    const own = this.#frontVersion || 'of unknown version';
+    const other = wanted && wanted !== this.#frontVersion ? ` (the server names ${wanted})` : '';
+    this.#frame.setStatus('front-version', `Front end ${own}${other}`);
   }
 
   async #followEnvConfig(envConfig, signal) {
@@ -279,7 +401,7 @@ export class DocumentScreen {
     if (signal.aborted) return;
     if (reply.ok) this.#progress.setSource('envConfig', reply.source);
     const version = reply.ok && reply.value && reply.value.config && reply.value.config.front_ver;
-    this.#frame.setStatus('front-version', version ? `Front end ${version}` : '');
+    this.#showFrontVersion(version);
     if (reply.ok) return;
     const text = `The document's configuration is missing (${reply.message}); editing works without it.`;
     this.#frame.showNotice({ id: 'configuration', text });

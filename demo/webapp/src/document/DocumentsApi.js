@@ -1,4 +1,5 @@
 import { officeType } from './officeTypes.js';
+import { readPreopenReply } from './preopenReply.js';
 import { requestJson, requestJsonTwice } from './requestJson.js';
 
 const localTimeoutMs = 5000;
@@ -18,6 +19,15 @@ export function envConfigUrl(fileId) {
 
 export function renderedUrl(fileId) {
   return `/office-config/${encodeURIComponent(fileId)}?part=file_info,config,ssr`;
+}
+
+function isObject(value) {
+  return typeof value === 'object' && value !== null && !Array.isArray(value);
+}
+
+/** The HTML in the server's rendering of a document. @returns {string | null} */
+export function renderingOf(value) {
+  return isObject(value) && isObject(value.ssr) && typeof value.ssr.html === 'string' ? value.ssr.html : null;
 }
 
 /** The documents server as the front end uses it. Replies are those of `requestJson`. */
@@ -42,17 +52,20 @@ export class DocumentsApi {
   preopen(fileId, typeCode, connId, options) {
     const url = preopenUrl(fileId, officeType(typeCode).packageName);
     const request = { method: 'POST', json: { connid: connId }, ...options };
-    return requestJsonTwice(this.#fetch, proxied(url, connId), url, request);
+    const isUsable = (value) => readPreopenReply(value, typeCode).ok;
+    return requestJsonTwice(this.#fetch, proxied(url, connId), url, isUsable, request);
   }
 
   envConfig(fileId, connId, options) {
     const url = envConfigUrl(fileId);
-    return requestJsonTwice(this.#fetch, proxied(url, connId), url, options);
+    return requestJsonTwice(this.#fetch, proxied(url, connId), url, isObject, options);
   }
 
-  /** The server's rendering, for a preview only: asked once. */
+  /** The server's rendering, for a preview only. */
   rendered(fileId, connId, options) {
-    return requestJson(this.#fetch, proxied(renderedUrl(fileId), connId), options);
+    const url = renderedUrl(fileId);
+    const isUsable = (value) => renderingOf(value) !== null;
+    return requestJsonTwice(this.#fetch, proxied(url, connId), url, isUsable, options);
   }
 
   save(fileId, baseVersion, content, options) {

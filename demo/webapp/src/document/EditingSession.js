@@ -3,14 +3,14 @@ import { SaveQueue, saveOutcome } from './SaveQueue.js';
 /** Contents up to this many characters are still sent while the page goes away. */
 const sentOnLeaving = 20000;
 
-/** One open document under edit: its editor and its saves. */
+/** One open document under edit: its editor and its saves. A local copy has no version until the server answered. */
 export class EditingSession {
   #editor;
   #queue;
 
   /**
    * @param {object} options
-   * @param {import('./preopenReply.js').Opened} options.opened
+   * @param {{fileId: string, fileName: string, version: number | null, content: object}} options.opened
    * @param {Function} options.mount see EditorRegistry
    * @param {Element} options.host
    * @param {import('./DocumentsApi.js').DocumentsApi} options.api
@@ -29,6 +29,20 @@ export class EditingSession {
       version: opened.version,
       onState: onSaveState,
     });
+    /** Resolves when the editor takes input; undefined when it does at once. */
+    this.ready = this.#editor.ready;
+    onSaveState(this.#queue.state);
+  }
+
+  /** The server confirmed the copy; `unsent`: it holds changes that the server lacks. */
+  rebase(version, { unsent = false } = {}) {
+    this.#queue.rebase(version);
+    if (unsent) this.#queue.changed();
+  }
+
+  /** The server holds something else than the copy was made of. */
+  refuse(version) {
+    this.#queue.refuse(version);
   }
 
   get hasUnsavedChanges() {
@@ -52,7 +66,7 @@ export class EditingSession {
   leavingLosesChanges() {
     this.#editor.commit();
     if (!this.hasUnsavedChanges) return false;
-    const stuck = this.#queue.state.kind === 'failed' || this.#queue.state.kind === 'conflict';
+    const stuck = ['failed', 'conflict', 'held'].includes(this.#queue.state.kind);
     this.#queue.flush();
     return stuck || JSON.stringify(this.#editor.content()).length > sentOnLeaving;
   }

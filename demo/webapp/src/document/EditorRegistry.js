@@ -3,7 +3,8 @@
  * the much larger editor script is read.
  *
  * An editor is `mount(host, content, {onChange, fileName})`, which throws when it cannot read the content and else
- * returns {content(): object, commit(), focus(), destroy()}; commit takes over input that is still being made.
+ * returns {content(): object, commit(), focus(), destroy(), ready}; commit takes over input that is still being made,
+ * ready is a promise for editors that do not take input at once.
  */
 export class EditorRegistry {
   #mounts = new Map();

@@ -9,7 +9,9 @@ import { fileVersion } from './fileVersion.js';
  *   | {ok: false, reason: 'conflict', version: number}
  *   | {ok: false, reason: 'refused' | 'unreachable', message: string}} SaveOutcome
  *   only 'unreachable' is tried again without being asked
- * @typedef {{kind: 'saved' | 'changed' | 'saving' | 'conflict'} | {kind: 'failed', message: string}} SaveState
+ * A queue without a version holds its saves back until it is told the version that the content rests on.
+ *
+ * @typedef {{kind: 'held' | 'saved' | 'changed' | 'saving' | 'conflict'} | {kind: 'failed', message: string}} SaveState
  */
 
 const firstRetryMs = 2000;
@@ -34,7 +36,7 @@ export class SaveQueue {
    * @param {object} options
    * @param {(baseVersion: number, content: object) => Promise<SaveOutcome>} options.send must not reject
    * @param {() => object} options.takeContent the content as it is now
-   * @param {number} options.version the version that the content was loaded at
+   * @param {number | null} options.version the version that the content was loaded at; null when not yet known
    * @param {(state: SaveState) => void} options.onState
    */
   constructor({ send, takeContent, version, onState, idleMs = 1000, timers = globalThis }) {
@@ -44,6 +46,7 @@ export class SaveQueue {
     this.#onState = onState;
     this.#idleMs = idleMs;
     this.#timers = timers;
+    if (version === null) this.#state = { kind: 'held' };
   }
 
   get state() {
@@ -58,18 +61,32 @@ export class SaveQueue {
   changed() {
     if (this.#closed) return;
     this.#dirty = true;
-    if (this.#running || this.#state.kind === 'conflict') return;
+    if (this.#running || this.#state.kind === 'conflict' || this.#state.kind === 'held') return;
     this.#enter({ kind: 'changed' });
     this.#schedule(this.#idleMs);
   }
 
   /** Saves what is unsaved now. Resolves when nothing is being sent any more, saved or not. */
   async flush() {
-    while (this.#dirty && this.#state.kind !== 'conflict') {
+    while (this.#dirty && this.#state.kind !== 'conflict' && this.#state.kind !== 'held') {
       await (this.#running || this.#start());
       if (this.#state.kind === 'failed') return;
     }
     await this.#running;
+  }
+
+  /** A held queue learns what its content rests on: what was typed since is sent. */
+  rebase(version) {
+    this.#baseVersion = version;
+    this.#enter(this.#dirty ? { kind: 'changed' } : { kind: 'saved' });
+    if (this.#dirty) this.#schedule(this.#idleMs);
+  }
+
+  /** A held queue learns that the server holds something else: nothing is sent unless told so. */
+  refuse(version) {
+    this.#dirty = true;
+    this.#conflictVersion = version;
+    this.#enter({ kind: 'conflict' });
   }
 
   /** After a conflict: saves over the version that the server holds. */

@@ -1,11 +1,15 @@
+import { fileVersion } from './fileVersion.js';
+
 /**
  * What the desktop side wrote into the page before its scripts ran (`window.__INJECT__`). The object may be absent
  * and every member may be null; whatever has the wrong shape counts as absent.
  * @typedef {object} Injected
  * @property {string | null} connId       connection id, whose holder keeps prefetched replies for this page
  * @property {object | null} content      locally synchronised document content, as the editors read it
- * @property {string | null} cachedHtml   a rendering of the document kept from an earlier visit
+ * @property {number | null} contentVersion  the version that the content rests on, where it says so
+ * @property {string | null} cachedHtml   a rendering of the document kept from an earlier visit, or by the server
  * @property {string | null} fileName
+ * @property {boolean} offlineEditing     whether documents of this kind may be edited without the server
  */
 
 const nameMembers = ['name', 'file_name', 'fileName', 'fname'];
@@ -35,19 +39,68 @@ export function fileNameOf(fileInfo) {
   return null;
 }
 
+/** The content may stand alone, or beside the version that it rests on: {"file_version", "content"}. */
+function readContent(data) {
+  const value = isObject(data) ? parsed(data.content) : null;
+  if (!isObject(value)) return { content: null, contentVersion: null };
+  if (!isObject(value.content)) return { content: value, contentVersion: null };
+  return { content: value.content, contentVersion: fileVersion(value.file_version) };
+}
+
+// Closing tags were kept from ending the script block early; that is taken back.
+function readRendering(source) {
+  const cache = source._LOCAL_INJECT_CACHE;
+  const html = isObject(cache) && typeof cache.csr === 'string' ? cache.csr : '';
+  return html === '' ? null : html.replace(/<\\\//g, '</');
+}
+
+/** The server's rendering: the HTML itself, or the reply that carries it. */
+function readServerRendering(value) {
+  const ssr = isObject(parsed(value)) ? parsed(value) : value;
+  const html = isObject(ssr) && isObject(ssr.ssr) ? ssr.ssr.html : ssr;
+  return typeof html === 'string' && html !== '' ? html : null;
+}
+
+const documentMembers = ['_LOCAL_INJECT_DATA', '_LOCAL_INJECT_CACHE'];
+
+/**
+ * The injected values while their document was not opened yet: an object that was used once says nothing about the
+ * document that the page opens next.
+ */
+export class Injection {
+  #owner;
+  #used = new WeakSet();
+
+  constructor(owner) {
+    this.#owner = owner;
+  }
+
+  /** @returns {Injected} */
+  read() {
+    const inject = this.#owner.__INJECT__;
+    const source = isObject(inject) ? { ...inject } : {};
+    for (const name of documentMembers) {
+      if (this.#used.has(source[name])) delete source[name];
+    }
+    return readInjected(source);
+  }
+
+  used() {
+    const inject = this.#owner.__INJECT__;
+    if (!isObject(inject)) return;
+    documentMembers.map((name) => inject[name]).filter(isObject).forEach((value) => this.#used.add(value));
+  }
+}
+
 /** @returns {Injected} */
 export function readInjected(inject) {
   const source = isObject(inject) ? inject : {};
   const connId = source._LOCAL_CONNID;
-  const data = source._LOCAL_INJECT_DATA;
-  const content = isObject(data) ? parsed(data.content) : null;
-  const cache = source._LOCAL_INJECT_CACHE;
-  const html = isObject(cache) && typeof cache.csr === 'string' ? cache.csr : '';
   return {
     connId: typeof connId === 'string' && connId !== '' && connId !== 'null' ? connId : null,
-    content: isObject(content) ? content : null,
-    // Closing tags were kept from ending the script block early; take that back.
-    cachedHtml: html === '' ? null : html.replace(/<\\\//g, '</'),
+    ...readContent(source._LOCAL_INJECT_DATA),
+    cachedHtml: readRendering(source) || readServerRendering(source._LOCAL_INJECT_DATA_SSRCONTENT),
+    offlineEditing: source._LOCAL_INJECT_DATA_OFFLINESWITCH === true,
     fileName: fileNameOf(source._LOCAL_INJECT_DATA_FILEINFO),
   };
 }

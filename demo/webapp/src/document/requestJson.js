@@ -67,11 +67,14 @@ export async function requestJson(fetchFn, url, { json, timeoutMs = defaultTimeo
 }
 
 /**
- * Asks `url`, which a local side may answer, and once more `networkUrl` when that brought no JSON value.
+ * Asks `url`, which a local side may answer, and once more `networkUrl` when that brought no JSON value, or none that
+ * `isUsable` takes.
+ * @param {(value: any) => boolean} isUsable
  * @returns {Promise<JsonAnswer | JsonFailure>}
  */
-export async function requestJsonTwice(fetchFn, url, networkUrl, options) {
+export async function requestJsonTwice(fetchFn, url, networkUrl, isUsable, options) {
   const first = await requestJson(fetchFn, url, options);
-  if (first.ok || first.reason === 'aborted') return first;
+  const useless = first.ok && first.source === 'local' && !isUsable(first.value);
+  if ((first.ok && !useless) || first.reason === 'aborted') return first;
   return requestJson(fetchFn, networkUrl, options);
 }

@@ -9,13 +9,14 @@ const list = document.getElementById('documents');
 const shownTime = new Intl.DateTimeFormat('en', { dateStyle: 'medium', timeStyle: 'short' });
 
 function documentRow(file) {
-  const type = officeType(file.officeType);
+  const known = officeType(file.officeType);
+  const type = known && known.hasEditor ? known : null;
   const modified = Number(file.modified);
   const icon = crelt('img', { src: `/static/icon-${type ? file.officeType : 'other'}.svg`, alt: '', width: 24, height: 24 });
   const name = type ? crelt('a', { href: documentUrl(file.id, file.officeType) }, file.name) : crelt('span', file.name);
   return crelt('tr',
     crelt('td', icon, name),
-    crelt('td', type ? type.label : `Type ${file.officeType}`),
+    crelt('td', known ? known.label : `Type ${file.officeType}`),
     crelt('td', modified > 0 ? shownTime.format(new Date(modified)) : ''));
 }
 

@@ -1,5 +1,6 @@
 import crelt from 'crelt';
-import * as echarts from 'echarts';
+import { tellFailure } from '../ui/files.js';
+import { loadPart } from '../ui/parts.js';
 import { chartData, chartOptions } from './chartData.js';
 
 const kinds = [['bar', 'Bars'], ['line', 'Lines'], ['pie', 'Pie']];
@@ -9,6 +10,8 @@ export class ChartPanel {
   #source;
   #kind = 'bar';
   #chart = null;
+  #library = null;
+  #closed = false;
   #canvas = crelt('div', { class: 'chart-canvas' });
   #hint = crelt('p', { class: 'chart-hint' });
   #resized = () => this.#chart && this.#chart.resize();
@@ -27,23 +30,29 @@ export class ChartPanel {
     window.addEventListener('resize', this.#resized);
   }
 
-  toggle() {
+  async toggle() {
     this.dom.hidden = !this.dom.hidden;
-    this.draw();
+    try {
+      this.#library = await loadPart('chart');
+      this.draw();
+    } catch (error) {
+      tellFailure(`The chart cannot be drawn: ${error.message}`);
+    }
   }
 
   /** Draws again; does nothing while hidden. */
   draw() {
-    if (this.dom.hidden) return;
+    if (this.dom.hidden || this.#closed || !this.#library) return;
     const { titles, rows } = this.#source();
     const data = chartData(titles, rows);
     this.#hint.textContent = data.series.length > 0 ? '' : 'Select cells with numbers, or fill a column with numbers.';
-    this.#chart = this.#chart || echarts.init(this.#canvas);
+    this.#chart = this.#chart || this.#library.init(this.#canvas);
     this.#chart.setOption(chartOptions(data, this.#kind), true);
     this.#chart.resize();
   }
 
   destroy() {
+    this.#closed = true;
     window.removeEventListener('resize', this.#resized);
     if (this.#chart) this.#chart.dispose();
   }

@@ -15,7 +15,13 @@ export class SheetGrid {
   #nextField;
   #table;
   #built = false;
+  #markBuilt;
   #onChange;
+
+  /** Resolves when the grid stands. */
+  built = new Promise((resolve) => {
+    this.#markBuilt = resolve;
+  });
 
   /**
    * @param {HTMLElement} host
@@ -166,6 +172,7 @@ export class SheetGrid {
 
   #onBuilt() {
     this.#built = true;
+    this.#markBuilt();
     changes.forEach((name) => this.#table.on(name, this.#onChange));
   }
 

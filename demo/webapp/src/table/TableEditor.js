@@ -1,9 +1,9 @@
 import crelt from 'crelt';
 import { askForText } from '../ui/askForText.js';
 import { chooseFile, downloadBlob, tellFailure, withExtension } from '../ui/files.js';
+import { loadPart } from '../ui/parts.js';
 import { ChartPanel } from './ChartPanel.js';
 import { SheetGrid } from './SheetGrid.js';
-import { readSpreadsheet, spreadsheetBlob } from './spreadsheetFiles.js';
 import { blankSheet, selectionSummary, sheetsFromContent } from './tableContent.js';
 
 /** The sheets of a table, one of them in the grid, with a tool bar above and the sheet tabs below. */
@@ -42,6 +42,11 @@ class TableEditor {
 
   focus() {
     this.#grid.focus();
+  }
+
+  /** Resolves when the grid stands and takes input: it is built after the mount returns. */
+  get ready() {
+    return this.#grid.built;
   }
 
   destroy() {
@@ -109,6 +114,7 @@ class TableEditor {
 
   async #download() {
     try {
+      const { spreadsheetBlob } = await loadPart('tableFiles');
       downloadBlob(await spreadsheetBlob(this.#currentSheets()), withExtension(this.#fileName, 'xlsx'));
     } catch (error) {
       tellFailure(`The file could not be made: ${error.message}`);
@@ -118,6 +124,7 @@ class TableEditor {
   async #import() {
     const file = await chooseFile('.xlsx');
     try {
+      const { readSpreadsheet } = await loadPart('tableFiles');
       this.#addSheets(await readSpreadsheet(file));
     } catch (error) {
       tellFailure(`"${file.name}" could not be read: ${error.message}`);

@@ -1,18 +1,23 @@
 import { defaultKeymap } from '@codemirror/commands';
-import { defaultHighlightStyle, LanguageDescription, syntaxHighlighting } from '@codemirror/language';
-import { languages } from '@codemirror/language-data';
+import { defaultHighlightStyle, syntaxHighlighting } from '@codemirror/language';
 import { Compartment } from '@codemirror/state';
 import { drawSelection, EditorView as CodeView, keymap } from '@codemirror/view';
 import crelt from 'crelt';
 import { exitCode } from 'prosemirror-commands';
 import { redo, undo } from 'prosemirror-history';
 import { Selection, TextSelection } from 'prosemirror-state';
+import { tellFailure } from '../ui/files.js';
+import { loadPart } from '../ui/parts.js';
 
-function languageChooser(current, choose) {
-  const known = LanguageDescription.matchLanguageName(languages, current, true);
-  const options = languages.map(({ name }) => crelt('option', { value: name }, name));
-  const select = crelt('select', { 'aria-label': 'Language of the code' }, crelt('option', { value: '' }, 'Plain'), options);
-  select.value = known ? known.name : '';
+/** The languages are read when the page has nothing better to do: code is there, and can be edited, without them. */
+async function languagesWhenIdle() {
+  await new Promise((resolve) => window.requestIdleCallback(resolve, { timeout: 2000 }));
+  return loadPart('codeLanguages');
+}
+
+function languageChooser(choose) {
+  const plain = crelt('option', { value: '' }, 'Plain');
+  const select = crelt('select', { 'aria-label': 'Language of the code', disabled: 'disabled' }, plain);
   select.addEventListener('change', () => choose(select.value));
   return select;
 }
@@ -26,6 +31,8 @@ export class CodeBlockView {
   #outer;
   #position;
   #code;
+  #chooser;
+  #closed = false;
   #language = new Compartment();
   #updating = false;
 
@@ -43,16 +50,28 @@ export class CodeBlockView {
         CodeView.updateListener.of((update) => this.#forward(update)),
       ],
     });
-    const chooser = languageChooser(node.attrs.params, (name) => this.#chooseLanguage(name));
-    this.dom = crelt('div', { class: 'code-block' }, chooser, this.#code.dom);
-    this.#loadLanguage(node.attrs.params);
+    this.#chooser = languageChooser((name) => this.#chooseLanguage(name));
+    this.dom = crelt('div', { class: 'code-block' }, this.#chooser, this.#code.dom);
+    this.#offerLanguages();
+  }
+
+  async #offerLanguages() {
+    try {
+      const { languageNames } = await languagesWhenIdle();
+      this.#chooser.append(...languageNames.map((name) => crelt('option', { value: name }, name)));
+      this.#chooser.disabled = false;
+      await this.#showLanguage();
+    } catch (error) {
+      tellFailure(`Code is shown without highlighting: ${error.message}`);
+    }
   }
 
   /** Called by the outer editor when the node changed. */
   update(node) {
     if (node.type !== this.#node.type) return false;
-    if (node.attrs.params !== this.#node.attrs.params) this.#loadLanguage(node.attrs.params);
+    const isOtherLanguage = node.attrs.params !== this.#node.attrs.params;
     this.#node = node;
+    if (isOtherLanguage && !this.#chooser.disabled) this.#showLanguage();
     if (this.#updating) return true;
     const next = node.textContent;
     const now = this.#code.state.doc.toString();
@@ -91,13 +110,17 @@ export class CodeBlockView {
   }
 
   destroy() {
+    this.#closed = true;
     this.#code.destroy();
   }
 
-  async #loadLanguage(name) {
-    const description = LanguageDescription.matchLanguageName(languages, name, true);
-    const support = name && description ? await description.load() : [];
-    this.#code.dispatch({ effects: this.#language.reconfigure(support) });
+  async #showLanguage() {
+    const { languageNamed } = await loadPart('codeLanguages');
+    const name = this.#node.attrs.params;
+    const description = name ? languageNamed(name) : null;
+    this.#chooser.value = description ? description.name : '';
+    const support = description ? await description.load() : [];
+    if (!this.#closed && name === this.#node.attrs.params) this.#code.dispatch({ effects: this.#language.reconfigure(support) });
   }
 
   #chooseLanguage(name) {

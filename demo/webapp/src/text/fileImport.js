@@ -1,5 +1,5 @@
-import mammoth from 'mammoth';
 import { DOMParser as ModelParser } from 'prosemirror-model';
+import { loadPart } from '../ui/parts.js';
 import { documentFromMarkdown } from './markdown.js';
 import { textSchema } from './schema.js';
 
@@ -19,8 +19,8 @@ function fromHtml(html) {
 export async function readTextFile(file) {
   const extension = file.name.slice(file.name.lastIndexOf('.') + 1).toLowerCase();
   if (extension === 'docx') {
-    const { value } = await mammoth.convertToHtml({ arrayBuffer: await file.arrayBuffer() });
-    return fromHtml(value);
+    const { docxToHtml } = await loadPart('textFiles');
+    return fromHtml(await docxToHtml(await file.arrayBuffer()));
   }
   const text = await file.text();
   return extension === 'html' || extension === 'htm' ? fromHtml(text) : documentFromMarkdown(text);

@@ -1,6 +1,6 @@
 import { MenuItem } from 'prosemirror-menu';
 import { chooseFile, downloadBlob, tellFailure, withExtension } from '../ui/files.js';
-import { docxBlob } from './docxExport.js';
+import { loadPart } from '../ui/parts.js';
 import { readableFiles, readTextFile } from './fileImport.js';
 import { markdownFromDocument } from './markdown.js';
 
@@ -25,6 +25,7 @@ async function insertFile(view) {
 
 async function downloadDocx(doc, fileName) {
   try {
+    const { docxBlob } = await loadPart('textFiles');
     downloadBlob(await docxBlob(doc), withExtension(fileName, 'docx'));
   } catch (error) {
     tellFailure(`The file could not be made: ${error.message}`);

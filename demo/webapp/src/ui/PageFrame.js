@@ -42,6 +42,21 @@ export class PageFrame {
     this.place.replaceChildren(...(node ? [node] : []));
   }
 
+  /** Puts a node into the document's place, out of sight, below what is shown there. */
+  insert(node) {
+    node.classList.add('arriving');
+    this.place.append(node);
+  }
+
+  /** Shows a node that was inserted, and takes away everything else in the document's place. */
+  reveal(node) {
+    this.hideProblem();
+    for (const other of [...this.place.children]) {
+      if (other !== node) other.remove();
+    }
+    node.classList.remove('arriving');
+  }
+
   showBusy(text) {
     this.show(crelt('div', { class: 'busy', role: 'status' }, crelt('div', { class: 'spinner' }), text));
   }

@@ -3,6 +3,8 @@ export function saveText(state) {
   switch (state.kind) {
     case 'saved':
       return { text: 'Saved', tone: 'quiet' };
+    case 'held':
+      return { text: 'Copy on this computer, not yet compared with the server', tone: 'quiet' };
     case 'changed':
     case 'saving':
       return { text: 'Saving…', tone: 'busy' };

@@ -1,0 +1,1 @@
+window.performance.mark('docs-document-start');

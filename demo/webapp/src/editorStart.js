@@ -1,0 +1,1 @@
+window.performance.mark('docs-editor-start');

@@ -1,0 +1,79 @@
+#include "proxy/NCloudDocsPageProxyManager.h"
+
+#include "base/NDocsLog.h"
+#include "base/NDomains.h"
+#include "offline/NDOPResourceManager.h"
+
+// What the decision installs in the browser, and how it is taken out again.
+
+using NDocsOfflinePage::NDOPResourceManager;
+
+void NCloudDocsPageProxyManager::addHtmlProxy()
+{
+    m_htmlProxy = {ndomains::origin(QStringLiteral("quill")), m_current.pluginPath, m_current.injectId};
+    NDOPResourceManager::instance()->registerHtmlHandlers(m_htmlProxy.origin, m_htmlProxy.packagePath,
+                                                          m_htmlProxy.injectId, m_browser);
+    ndocslog::info(QStringLiteral("add html proxy %1").arg(m_htmlProxy.packagePath),
+                   "NCloudDocsPageProxyManager::addHtmlProxy");
+}
+
+void NCloudDocsPageProxyManager::removeHtmlProxy()
+{
+    NDOPResourceManager::instance()->unregisterHtmlHandlers(m_htmlProxy.origin, m_htmlProxy.packagePath,
+                                                            m_browser);
+    ndocslog::info(QStringLiteral("remove html proxy %1").arg(m_htmlProxy.packagePath),
+                   "NCloudDocsPageProxyManager::removeHtmlProxy");
+    m_htmlProxy = {};
+}
+
+void NCloudDocsPageProxyManager::addLocalResourceProxy()
+{
+    m_localResourceProxy = {ndomains::origin(QStringLiteral("quill")), m_current.pluginPath};
+    NDOPResourceManager::instance()->registerScriptHandlers(m_localResourceProxy.origin,
+                                                            m_localResourceProxy.packagePath, m_browser);
+    ndocslog::info(QStringLiteral("add local resource proxy %1 ").arg(m_localResourceProxy.packagePath),
+                   "NCloudDocsPageProxyManager::addLocalResourceProxy");
+}
+
+void NCloudDocsPageProxyManager::removeLocalResourceProxy()
+{
+    NDOPResourceManager::instance()->unregisterScriptHandlers(m_localResourceProxy.origin,
+                                                              m_localResourceProxy.packagePath, m_browser);
+    ndocslog::info(QStringLiteral("remove local resource proxy %1 ").arg(m_localResourceProxy.packagePath),
+                   "NCloudDocsPageProxyManager::removeLocalResourceProxy");
+    m_localResourceProxy = {};
+}
+
+void NCloudDocsPageProxyManager::addRequestProxy(const QString& replyName)
+{
+    NDOPResourceManager::instance()->registerRequestHandler(replyName, m_current.fileId, m_current.officeType,
+                                                            m_current.connId, m_browser);
+    ndocslog::info(QStringLiteral("add %1 proxy").arg(replyName),
+                   "NCloudDocsPageProxyManager::addRequestProxy");
+}
+
+void NCloudDocsPageProxyManager::removeRequestProxy(const QString& replyName)
+{
+    NDOPResourceManager::instance()->clearRequest(replyName, m_current.fileId, m_current.officeType);
+    ndocslog::info(QStringLiteral("remove %1 proxy").arg(replyName),
+                   "NCloudDocsPageProxyManager::removeRequestProxy");
+}
+
+void NCloudDocsPageProxyManager::removeRequestProxies()
+{
+    removeRequestProxy(QStringLiteral("open_file"));
+    removeRequestProxy(QStringLiteral("get_env_config"));
+    removeRequestProxy(QStringLiteral("get_ssr_content"));
+}
+
+void NCloudDocsPageProxyManager::removeProxies()
+{
+    if (!m_htmlProxy.packagePath.isEmpty())
+        removeHtmlProxy();
+    if (!m_localResourceProxy.packagePath.isEmpty())
+        removeLocalResourceProxy();
+    if (!m_current.fileId.isEmpty())
+        removeRequestProxies();
+    m_current = {};
+    m_requested = {};
+}

@@ -1,0 +1,54 @@
+#include "proxy/NPackagePaths.h"
+
+#include "base/NReadOnce.h"
+#include "zeolite/NCoreApplication.h"
+#include "zeolite/NPlugin.h"
+
+#include <QDir>
+#include <QFile>
+#include <QHash>
+
+#include <memory>
+
+namespace npackagepaths {
+namespace {
+
+QHash<QString, QString>& knownVersions()
+{
+    static NReadOnce<std::shared_ptr<QHash<QString, QString>>> versions(
+        [] { return std::make_shared<QHash<QString, QString>>(); });
+    return *versions();
+}
+
+} // namespace
+
+QString readPluginVersion(const QString& directory)
+{
+    constexpr qint64 longestVersion = 4096;
+    const QString known = knownVersions().value(directory);
+    if (!known.isEmpty() || directory.isEmpty())
+        return known;
+    QFile file(QDir(directory).filePath(QStringLiteral("version")));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QString version = QString::fromUtf8(file.read(longestVersion)).trimmed();
+    if (!version.isEmpty())
+        knownVersions().insert(directory, version);
+    return version;
+}
+
+QString upgradedOrInstalled(const QString& pluginName)
+{
+    NCoreApplication* core = NCoreApplication::instance();
+    NPluginManager* plugins = core ? core->getPluginManager() : nullptr;
+    NPluginUpgradeManager* upgrades = plugins ? plugins->getPluginUpgradeManager() : nullptr;
+    if (pluginName.isEmpty() || !upgrades)
+        return {};
+    QString path;
+    const NPluginPtr upgraded = upgrades->getPlugin(pluginName);
+    if (upgraded && upgraded->load() == NPlugin::Loaded)
+        path = upgraded->localPath();
+    return path.isEmpty() ? plugins->getPluginPath(pluginName) : path;
+}
+
+} // namespace npackagepaths

@@ -1,0 +1,127 @@
+#include "server/NHelioCloudDocsNetwork.h"
+
+#include "base/NClock.h"
+#include "base/NDocsLog.h"
+#include "nrt/networkAccess.h"
+#include "offline/NDOPResourceManager.h"
+#include "proxy/NDOPSettings.h"
+#include "server/DocsRequests.h"
+#include "zeolite/NCoreApplication.h"
+#include "zeolite/NDcInfoC.h"
+
+#include <QNetworkReply>
+
+using NDocsOfflinePage::NDOPResourceManager;
+using NDocsOfflinePage::NDOPResponseData;
+
+namespace {
+
+bool isFileReply(const QString& replyName)
+{
+    return replyName == docsrequests::envConfig || replyName == docsrequests::openFile ||
+           replyName == docsrequests::ssrContent;
+}
+
+QByteArray cookieLines(const QVariantMap& headers)
+{
+    for (auto header = headers.begin(); header != headers.end(); ++header) {
+        if (header.key().compare(QLatin1String("Set-Cookie"), Qt::CaseInsensitive) == 0)
+            return header.value().toString().toUtf8();
+    }
+    return {};
+}
+
+NHelioCloudDocsNetwork::HeaderPairs pairsOf(const QVariantMap& headers)
+{
+    NHelioCloudDocsNetwork::HeaderPairs pairs;
+    for (auto header = headers.begin(); header != headers.end(); ++header)
+        pairs.append({header.key().toUtf8(), header.value().toString().toUtf8()});
+    return pairs;
+}
+
+} // namespace
+
+void NHelioCloudDocsNetwork::onRequestFinished(INetworkReply* reply, quint64 startMs,
+                                               const QString& replyName)
+{
+    if (!reply)
+        return;
+    const qint64 endMs = nclock::nowMs();
+    if (isFileReply(replyName))
+        takeFileReply(*reply, replyName);
+    Q_EMIT sigRequestFromHostWidgetFinished(replyName, m_officeType, reply->body(), qint64(startMs), endMs,
+                                            m_frontVer);
+    if (reply->request())
+        _reportNetworkResult(reply->errorCode(), reply->request()->url().toString(), endMs - qint64(startMs),
+                             reply->networkTimeMs(), replyName);
+}
+
+/** Keeps the reply for the browser's own request of it. */
+void NHelioCloudDocsNetwork::takeFileReply(const INetworkReply& reply, const QString& replyName)
+{
+    constexpr int statusOk = 200;
+    const QVariantMap headers = reply.headers();
+    const QByteArray cookies = cookieLines(headers);
+    if (!cookies.isEmpty())
+        Q_EMIT sigAppendResponseCookies(QNetworkCookie::parseCookies(cookies));
+    const HeaderPairs pairs = pairsOf(headers);
+    if (replyName == docsrequests::openFile)
+        m_openFileResponseHeaders = pairs;
+    NDOPResponseData data;
+    if (reply.httpStatusCode() == statusOk) {
+        data.body = reply.body();
+        data.headers = pairs;
+    } else {
+        ndocslog::info(QStringLiteral("replyName: %1, request error HTTPStatusCode: %2")
+                           .arg(replyName)
+                           .arg(reply.httpStatusCode()),
+                       "NHelioCloudDocsNetwork::onRequestFinished");
+    }
+    if (const auto manager = NDOPResourceManager::instance())
+        manager->setResponseData(replyName, m_fileId, m_officeType, data);
+}
+
+void NHelioCloudDocsNetwork::onFinished(QNetworkReply* reply)
+{
+    if (!reply)
+        return;
+    const QByteArray body = reply->readAll();
+    const qint64 startTime = reply->property("startTime").toLongLong();
+    const QString replyName = reply->property("replyName").toString();
+    if (replyName == docsrequests::dataUpgrade)
+        Q_EMIT sigRequestFromApiFinished(docsrequests::dataUpgrade, body);
+    _reportNetworkResult(reply->error(), nrt::requestedUrl(*reply).toString(), nclock::nowMs() - startTime,
+                         -1, replyName);
+    reply->deleteLater();
+}
+
+void NHelioCloudDocsNetwork::_reportNetworkResult(int errorCode, const QString& url, qint64 useTime,
+                                                  qint64 networkUseTime, const QString& name) const
+{
+    constexpr auto operation = "NHelioCloudDocsNetwork::_reportNetworkResult";
+    NCoreApplication* core = NCoreApplication::instance();
+    NDcInfoC* collection = core ? core->getDcInfo() : nullptr;
+    if (!collection) {
+        ndocslog::info(QStringLiteral("can not report network result"), operation);
+        return;
+    }
+    const int sampling = nsettingsvalues::reportSampling();
+    if (sampling == 0) {
+        ndocslog::info(QStringLiteral("pb is 0, ban network result"), operation);
+        return;
+    }
+    const int pb = errorCode != 0 ? 1 : sampling;
+    if (!collection->canSendByCurUser(pb, true))
+        return;
+    const NDcFields fields{
+        {QStringLiteral("result"), errorCode == 0 ? QStringLiteral("1") : QStringLiteral("0")},
+        {QStringLiteral("errorcode"), QString::number(errorCode)},
+        {QStringLiteral("name"), name},
+        {QStringLiteral("url"), url},
+        {QStringLiteral("usetime"), QString::number(useTime)},
+        {QStringLiteral("networkusetime"), QString::number(networkUseTime)},
+        {QStringLiteral("pb"), QString::number(pb)},
+        {QStringLiteral("reportver"), QStringLiteral("1.0")},
+    };
+    collection->postGeneralEvent(QStringLiteral("docs_localproxy_dop_network"), fields, 0, 0, 1, true);
+}
