@@ -90,25 +90,28 @@ QStringList packagePaths(const QString& root)
     return paths;
 }
 
-/** Every thread reads all files, from different ones on; `read` gives the bytes of a path. */
+/** Reads files in turn; `read` gives the bytes of a path. */
 template <typename Read>
-void readAll(benchmark::State& state, const QStringList& paths, Read read)
+void readInTurn(benchmark::State& state, const QStringList& paths, Read read)
 {
-    int next = state.thread_index() * packageFiles / 2;
+    int next = state.thread_index() * paths.size() / 2;
     for (auto _ : state) {
         const QByteArray bytes = read(paths.at(next));
-        next = (next + 1) % packageFiles;
+        next = (next + 1) % paths.size();
         if (bytes.size() != fileSize)
             state.SkipWithError("the file is not there");
     }
     state.SetItemsProcessed(state.iterations());
 }
 
-void readPreloaded(benchmark::State& state, const QString& root)
+/** Two threads read all files, both of them, or each its half. */
+void readPreloaded(benchmark::State& state, const QString& root, bool together)
 {
-    const QStringList paths = packagePaths(root);
+    const QStringList all = packagePaths(root);
+    const int half = all.size() / 2;
+    const QStringList paths = together ? all : QStringList(all.mid(state.thread_index() * half, half));
     const std::shared_ptr<NDOPResourceManager> manager = NDOPResourceManager::instance();
-    readAll(state, paths, [&](const QString& path) { return manager->readPreloadedOrDisk(root, path); });
+    readInTurn(state, paths, [&](const QString& path) { return manager->readPreloadedOrDisk(root, path); });
 }
 
 /** The floor: every thread has a map of its own and needs no lock. */
@@ -118,7 +121,7 @@ void readOwnMap(benchmark::State& state, const QString& root)
     QHash<QString, QByteArray> map;
     for (const QString& path : paths)
         map.insert(path, QByteArray(fileSize, 'x'));
-    readAll(state, paths, [&](const QString& path) { return map.value(path); });
+    readInTurn(state, paths, [&](const QString& path) { return map.value(path); });
 }
 
 } // namespace
@@ -146,9 +149,12 @@ int main(int argc, char** argv)
     for (const QString& path : paths)
         writeFile(path, QByteArray(fileSize, 'x'));
     for (const int threads : {1, 2}) {
-        for (const auto& [name, run] :
-             {std::pair("read_preloaded", readPreloaded), {"read_own_map", readOwnMap}})
-            benchmark::RegisterBenchmark(name, run, directory.path())->Threads(threads)->UseRealTime();
+        const auto add = [threads](benchmark::internal::Benchmark* run) {
+            run->Threads(threads)->UseRealTime();
+        };
+        add(benchmark::RegisterBenchmark("read_own_files", readPreloaded, directory.path(), false));
+        add(benchmark::RegisterBenchmark("read_same_files", readPreloaded, directory.path(), true));
+        add(benchmark::RegisterBenchmark("read_own_map", readOwnMap, directory.path()));
     }
     benchmark::RunSpecifiedBenchmarks();
     return 0;

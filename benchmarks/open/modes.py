@@ -94,15 +94,15 @@ class ColdNetwork(Mode):
             tools.call("Network.clearBrowserCache")
 
     def check(self, report):
-        fetched = all(each["transferSize"] > 0 for each in report["scripts"])
+        fetched = all(each["bodyFetched"] for each in report["scripts"])
         return None if fetched else "a script came from the HTTP cache"
 
 
 class WarmNetwork(Mode):
-    letter, label = "b", "network, warm HTTP cache, page revalidated"
+    letter, label = "b", "network, warm HTTP cache, revalidated"
 
     def check(self, report):
-        if any(each["transferSize"] > 0 for each in report["scripts"]):
+        if any(each["bodyFetched"] for each in report["scripts"]):
             return "a script came from the network"
         return None if report["answeredBy"].get("page") == ["network"] else "the page was not revalidated"
 

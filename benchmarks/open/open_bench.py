@@ -23,7 +23,7 @@ from code_cache import measure_code_cache  # noqa: E402
 from fetches import MOST_RATIO, measure_fetches  # noqa: E402
 from helio_shell import DocumentsServer, RpcError, ShellEnded  # noqa: E402
 from modes import MODES  # noqa: E402
-from opening import BadOpening, control, resident_bytes  # noqa: E402
+from opening import BadOpening, control, open_document, resident_bytes  # noqa: E402
 
 LINES = {
     "no shaping": {"rttMs": 0, "kbps": 0},
@@ -34,6 +34,8 @@ FAILURES = (BadOpening, RpcError, ShellEnded, TimeoutError, OSError)
 WARM_UP_OPENS = 3
 PAUSE = 0.3
 MOST_GROWTH = 1.05
+# Of a mode's openings, how many may go another way than the mode's before it counts as not working.
+MOST_MISSES = 0.2
 
 
 def tell(text):
@@ -45,7 +47,7 @@ class Contender:
 
     def __init__(self, mode_class, programs, server, package):
         self.letter, self.label = mode_class.letter, mode_class.label
-        self.openings = []
+        self.openings, self.misses = [], []
         self.problem = None
         self.mode = None
         self._try(lambda: setattr(self, "mode", mode_class(programs, server, package)))
@@ -61,16 +63,25 @@ class Contender:
 
     def begin(self):
         """Warms up for another line."""
-        self.openings = []
+        self.openings, self.misses = [], []
         self._try(lambda: self.mode.warm_up(WARM_UP_OPENS))
 
     def open(self):
-        self._try(lambda: self.openings.append(self.mode.open()))
+        self._try(self._open)
+
+    def _open(self):
+        try:
+            self.openings.append(self.mode.open())
+        except BadOpening as miss:
+            self.misses.append(str(miss).splitlines()[0][:200])
 
     def result(self):
+        if not self.problem and len(self.misses) > MOST_MISSES * (len(self.openings) + len(self.misses)):
+            self.problem = self.misses[0]
+            tell("(%s) %s" % (self.letter, self.problem))
         if self.problem:
             return {"label": self.label, "problem": self.problem}
-        return {"label": self.label, "raw": [each["steps"] for each in self.openings], **report.summary(self.openings)}
+        return {"label": self.label, "misses": self.misses, "raw": [each["steps"] for each in self.openings], **report.summary(self.openings)}
 
     def quit(self):
         if self.mode:
@@ -97,7 +108,8 @@ def measure_memory(contenders):
         return None
     memory = {"mode": "(%s) %s" % (chosen.letter, chosen.label)}
     for count in range(1, 51):
-        chosen.mode.open()
+        open_document(chosen.mode.shell, chosen.mode.url())
+        time.sleep(PAUSE)
         if count in (10, 50):
             time.sleep(3)
             own, group = resident_bytes(chosen.mode.shell.pid)

@@ -14,7 +14,9 @@ return {
   worker: Boolean(navigator.serviceWorker && navigator.serviceWorker.controller),
   requestStart: navigation.requestStart,
   pageReceived: navigation.responseEnd,
-  scripts: scripts.map(({ name, responseEnd, transferSize, workerStart }) => ({ name, responseEnd, transferSize, workerStart })),
+  scripts: scripts.map(({ name, responseEnd, transferSize, encodedBodySize, workerStart }) => ({
+    name, responseEnd, workerStart, bodyFetched: transferSize > encodedBodySize,
+  })),
   marks: Object.fromEntries(performance.getEntriesByType('mark').map(({ name, startTime }) => [name, startTime])),
   paints: Object.fromEntries(performance.getEntriesByType('paint').map(({ name, startTime }) => [name, startTime])),
 };

@@ -39,8 +39,9 @@ def mode_table(line, modes):
             lines.append("| (%s) %s | not measured: %s | | | | | | |" % (letter, mode["label"], mode["problem"]))
             continue
         ratios = [ratio(modes, "editable", letter, peer) for peer in "ac"]
-        lines.append("| (%s) %s | %d | %.0f | %.0f | %.0f | %.0f | %s |" % (
-            letter, mode["label"], mode["opens"], mode["visible"]["p50"], mode["visible"]["p95"],
+        opens = "%d" % mode["opens"] + (", %d not in this mode" % len(mode["misses"]) if mode["misses"] else "")
+        lines.append("| (%s) %s | %s | %.0f | %.0f | %.0f | %.0f | %s |" % (
+            letter, mode["label"], opens, mode["visible"]["p50"], mode["visible"]["p95"],
             mode["editable"]["p50"], mode["editable"]["p95"], " | ".join("%.2f" % r if r else "" for r in ratios)))
     return "\n".join(lines)
 

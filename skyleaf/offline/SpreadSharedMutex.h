@@ -28,9 +28,9 @@ public:
 
 private:
     static constexpr std::size_t partCount = 16;
-    static constexpr std::size_t cacheLine = 64;
+    static constexpr std::size_t apart = 128; // two cache lines, since processors fetch them in pairs
 
-    struct alignas(cacheLine) Part
+    struct alignas(apart) Part
     {
         std::shared_mutex mutex;
     };

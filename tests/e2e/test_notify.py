@@ -53,7 +53,7 @@ class NotifyTest(EndToEndCase):
 
     def test_invoke_by_name(self):
         page = self.open(self.shell)
-        self.assertEqual(self.shell.call("page.invoke", page=page, method="getPageProperty", args=["fileType"]), "word")
+        self.assertEqual(self.shell.call("page.invoke", page=page, method="getPageProperty", args=["fileType"]), "w")
         self.assertIn("/p/100001", self.shell.call("page.invoke", page=page, method="getCurrentUrl", args=[]))
         for wrong in ("NotifyUrl", "notifyUrl()", ""):
             with self.assertRaises(Exception):

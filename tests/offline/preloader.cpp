@@ -3,6 +3,9 @@
 
 #include <QSignalSpy>
 
+#include <atomic>
+#include <thread>
+
 namespace {
 
 using NDocsOfflinePage::NDOPLocalResourceDataPreloader;
@@ -109,6 +112,25 @@ TEST_F(Preloader, DataIsDroppedSomeMinutesAfterTheLastPackage)
     preloader->stop();
     read();
     EXPECT_TRUE(data("dist_langs/zh-CN/index-w.html").isEmpty()) << "stopped";
+}
+
+TEST_F(Preloader, ReadersAreServedWhileDataComesAndGoes)
+{
+    makePreloader();
+    const QString page = write("package/dist_langs/zh-CN/index-w.html", "page");
+    std::atomic<bool> isRead{false};
+    std::thread reader([&] {
+        for (int round = 0; round < 500; ++round) {
+            preloader->loadFile(page);
+            isRead = preloader->fileData(page) == "page" || isRead;
+        }
+    });
+    for (int round = 0; round < 500; ++round) {
+        preloader->storeFile(page, "page");
+        preloader->onClean();
+    }
+    reader.join();
+    EXPECT_TRUE(isRead);
 }
 
 } // namespace

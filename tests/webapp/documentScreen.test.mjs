@@ -88,7 +88,7 @@ test('a prefetched document opens, with the connection id of the desktop side, a
   editors.register('w', editor.mount);
   await screen.open();
   await settled();
-  assert.deepEqual(told, [['webFileReady', { fileId: '7', fileName: 'Plan.docx', fileType: 'word' }]]);
+  assert.deepEqual(told, [['webFileReady', { fileId: '7', fileName: 'Plan.docx', fileType: 'w' }]]);
   const { times, ...rest } = state();
   assert.deepEqual(rest, {
     fileId: '7', officeType: 'w', frontVersion: '3.2', visible: true, editable: true, saved: true, error: null,

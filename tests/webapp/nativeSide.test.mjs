@@ -8,7 +8,7 @@ test('without the desktop side everything answers and nothing throws', async () 
   const native = new NativeSide({});
   assert.equal(await native.whenPresent({ setTimeout: (fn) => fn() }), false);
   assert.equal(await native.apiVersion(), null);
-  assert.equal(native.reportReady({ fileId: 1, fileName: 'a', fileType: 'word' }), false);
+  assert.equal(native.reportReady({ fileId: 1, fileName: 'a', fileType: 'w' }), false);
 });
 
 test('a desktop side that comes late is found, and told with texts only', async () => {
@@ -21,8 +21,8 @@ test('a desktop side that comes late is found, and told with texts only', async 
   await timers.fire();
   assert.equal(await present, true);
   assert.equal(await native.apiVersion(), '1.0.0');
-  assert.equal(native.reportReady({ fileId: 100001, fileName: 'A.docx', fileType: 'word' }), true);
-  assert.deepEqual(told, [['webFileReady', { fileId: '100001', fileName: 'A.docx', fileType: 'word' }]]);
+  assert.equal(native.reportReady({ fileId: 100001, fileName: 'A.docx', fileType: 'w' }), true);
+  assert.deepEqual(told, [['webFileReady', { fileId: '100001', fileName: 'A.docx', fileType: 'w' }]]);
 });
 
 test('a call that the desktop side rejects is no version', async () => {

@@ -5,7 +5,7 @@ import { confirmedDocument } from './confirmation.js';
 import { renderingOf } from './DocumentsApi.js';
 import { EditingSession } from './EditingSession.js';
 import { askForFile } from './fileRequests.js';
-import { Injection, newConnectionId } from './inject.js';
+import { connectionFor, Injection } from './inject.js';
 import { documentUrl, parseLocation } from './location.js';
 import { officeType } from './officeTypes.js';
 import { openedFrom, sourceOf } from './openedReply.js';
@@ -182,7 +182,7 @@ export class DocumentScreen {
   async #openFile(fileId, signal) {
     const early = this.#takeEarly(fileId, signal);
     const injected = early ? early.injected : this.#injection.read();
-    const connId = early ? early.connId : injected.connId || newConnectionId();
+    const connId = early ? early.connId : connectionFor(injected, this.#window);
     const asked = early ? early.replies
       : askForFile(this.#api, { fileId, typeCode: this.#typeCode, connId, injected, signal });
     this.#frame.setTitle(injected.fileName || 'Document');
@@ -351,7 +351,7 @@ export class DocumentScreen {
 
   async #reportReady({ fileId, fileName }) {
     const session = this.#session;
-    const fileType = officeType(this.#typeCode).packageName;
+    const fileType = this.#typeCode;
     if ((await this.#native.whenPresent()) && this.#session === session) {
       this.#native.reportReady({ fileId, fileName, fileType });
     }

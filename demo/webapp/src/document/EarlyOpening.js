@@ -1,7 +1,7 @@
 import { storedPreview } from '../preview/preview.js';
 import { DocumentsApi } from './DocumentsApi.js';
 import { askForFile } from './fileRequests.js';
-import { newConnectionId, readInjected } from './inject.js';
+import { connectionFor, readInjected } from './inject.js';
 import { parseLocation } from './location.js';
 import { officeType } from './officeTypes.js';
 import { OpenProgress } from './OpenProgress.js';
@@ -21,7 +21,7 @@ export class EarlyOpening {
     this.#progress.begin({ fileId, officeType: typeCode, frontVersion });
     this.fileId = fileId;
     this.injected = readInjected(owner.__INJECT__);
-    this.connId = this.injected.connId || newConnectionId();
+    this.connId = connectionFor(this.injected, owner);
     const api = new DocumentsApi((url, init) => owner.fetch(url, init));
     this.replies = askForFile(api, {
       fileId, typeCode, connId: this.connId, injected: this.injected, signal: this.#limit.signal,

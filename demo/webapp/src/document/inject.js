@@ -105,6 +105,16 @@ export function readInjected(inject) {
   };
 }
 
+/**
+ * The connection under which the page asks for its document. The replies kept for the injected one are as old as the
+ * page's first load: a page that is loaded again asks under an id of its own, which only the server answers.
+ */
+export function connectionFor(injected, owner) {
+  const [navigation] = owner.performance?.getEntriesByType?.('navigation') ?? [];
+  const loadedAgain = navigation?.type === 'reload';
+  return (!loadedAgain && injected.connId) || newConnectionId();
+}
+
 /** A fresh connection id: 32 hexadecimal digits. */
 export function newConnectionId(random = (bytes) => globalThis.crypto.getRandomValues(bytes)) {
   return Array.from(random(new Uint8Array(16)), (byte) => byte.toString(16).padStart(2, '0')).join('');
