@@ -38,9 +38,6 @@ class Mode:
     """A shell that opens the document in one way. `check` says what makes an opening one of this mode."""
 
     letter = label = ""
-    members = {}
-    # Whether the mode uses what the add-on does locally; the others are its peers.
-    local = False
 
     def __init__(self, programs, server, package):
         self.server = server
@@ -49,7 +46,7 @@ class Mode:
         self.data_dir = self.shell.data_dir
 
     def host_members(self):
-        return merged(self.server.host_members(), self.members)
+        return self.server.host_members()
 
     def environment(self):
         return {}
@@ -129,11 +126,11 @@ class ServiceWorker(Mode):
 
 class LocalPackage(Mode):
     letter, label = "d", "local package"
-    local = True
     options = {}
 
     def host_members(self):
-        return merged(super().host_members(), plugin_members({"w": self.package}, **switches(version_check=True, **self.options)))
+        members = plugin_members({"w": self.package}, **switches(version_check=True, **self.options))
+        return merged(super().host_members(), members)
 
     def check(self, report):
         by = report["answeredBy"]

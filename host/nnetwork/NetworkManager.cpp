@@ -4,22 +4,30 @@
 
 #include "nrt/networkAccess.h"
 
+#include <QCoreApplication>
 #include <QThread>
 
 namespace nnetwork {
 namespace {
 
-/** One for the process, so that pages share connections and TLS sessions. User-interface thread. */
+std::shared_ptr<QNetworkAccessManager>& keptAccess()
+{
+    static std::shared_ptr<QNetworkAccessManager> kept;
+    return kept;
+}
+
+/**
+ * One for as long as the application lives, so that a page finds the connections and TLS sessions of the
+ * pages before it. User-interface thread.
+ */
 std::shared_ptr<QNetworkAccessManager> sharedAccess()
 {
-    static std::weak_ptr<QNetworkAccessManager> shared;
-
-    std::shared_ptr<QNetworkAccessManager> access = shared.lock();
-    if (!access) {
-        access = std::make_shared<nrt::NNetworkAccessManager>();
-        shared = access;
+    std::shared_ptr<QNetworkAccessManager>& kept = keptAccess();
+    if (!kept) {
+        kept = std::make_shared<nrt::NNetworkAccessManager>();
+        qAddPostRoutine([] { keptAccess().reset(); });
     }
-    return access;
+    return kept;
 }
 
 } // namespace

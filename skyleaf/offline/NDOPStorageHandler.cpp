@@ -1,6 +1,9 @@
 #include "offline/NDOPStorageHandler.h"
 
+#include "proxy/NDOPConfig.h"
+
 void NDOPStorageHandler::funcSwitch(NxWebViewJSContext& context)
 {
-    replyNotServed(context);
+    context.reply()["callstatus"] = "ok";
+    context.reply()["result"] = NDocsOfflinePage::NDOPConfig::instance().isOfflineEditEnabled(m_officeType);
 }

@@ -15,6 +15,11 @@ std::optional<QByteArray> readWhole(const QString& path);
  * followed. What a package or a URL names must not lead out of the package.
  */
 bool isFileWithin(const QString& directory, const QString& path);
+/**
+ * Whether a file at the path, which need not exist, would lie in the directory or below it once all symbolic
+ * links are followed.
+ */
+bool isPlaceWithin(const QString& directory, const QString& path);
 /** Whether a URL or path holds a step to a parent directory, percent-encoded ones included. */
 bool hasParentStep(const QString& text);
 

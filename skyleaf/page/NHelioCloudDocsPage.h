@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nheliostat/NHelioBrowserPageRoot.h"
+#include "offline/IStorageTransferHost.h"
 #include "page/NHelioQuillHyperlinkPageFactory.h"
 #include "page/NOpenSteps.h"
 #include "proxy/NCloudDocsPageProxyManager.h"
@@ -39,7 +40,7 @@ struct NRequestResult
  * may release the inactive page and load it again. User-interface thread. Owned by the central area; owns its
  * bridge's life only through the browser widget, which is its child.
  */
-class NHelioCloudDocsPage : public NHelioBrowserPageRoot
+class NHelioCloudDocsPage : public NHelioBrowserPageRoot, public IStorageTransferHost
 {
     Q_OBJECT
 public:
@@ -64,6 +65,10 @@ public:
     void updateLastActiveTime() override;
     void handleNotifyParams(const QVariantMap& params) override;
     void setFileSrcFrom(const QString& url) override;
+
+    // What script handlers ask of the page.
+    void uploadPackage(const QString& url, const QString& packageInfo, const QString& zipPath) override;
+    void downloadPackage(const QString& url, const QString& savePath) override;
 
     // By name, from the shell.
     Q_INVOKABLE QString getWorkAreaRecoverUrl() const;
@@ -175,6 +180,7 @@ private:
     void _waitStartedPreRequest();
     void _startVcsRequest();
     void ensureRequestTask();
+    void connectTaskToBridge();
     NDOPProxyInfo proxyInfo(const QString& frontVer = {}) const;
     void initDocsLocalResource();
     void _updateProxy(const QString& frontVer);

@@ -186,14 +186,8 @@ void NHelioCloudDocsPage::onCreatingApi(NxWebViewContainer* container, QObject**
         _startVcsRequest();
     else if (NDocsOfflinePage::NDOPConfig::instance().isDopEnabled(m_officeType))
         _startNetworkRequest();
-    if (m_requestTask) {
-        m_jsObj->setOfficeType(m_officeType);
-        connect(m_requestTask.get(), &NCloudDocsRequestTask::sigRequestFromApiFinished, m_jsObj,
-                &NHelioCloudDocsAsynJsObj::onNetworkRequestFinish, Qt::QueuedConnection);
-        connect(m_requestTask.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this,
-                &NHelioCloudDocsPage::onAppendResponseCookies,
-                static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
-    }
+    if (m_requestTask)
+        connectTaskToBridge();
     BrowserExceptionInfoCollector::installOnce();
 }
 

@@ -48,6 +48,33 @@ void NHelioCloudDocsPage::onRequestTaskFinished(const NCloudDocsRequestTaskResul
     }
 }
 
+void NHelioCloudDocsPage::connectTaskToBridge()
+{
+    constexpr auto queuedOnce = static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection);
+    m_jsObj->setOfficeType(m_officeType);
+    connect(m_requestTask.get(), &NCloudDocsRequestTask::sigRequestFromApiFinished, m_jsObj,
+            &NHelioCloudDocsAsynJsObj::onNetworkRequestFinish, queuedOnce);
+    connect(m_requestTask.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this,
+            &NHelioCloudDocsPage::onAppendResponseCookies, queuedOnce);
+}
+
+void NHelioCloudDocsPage::uploadPackage(const QString& url, const QString& packageInfo,
+                                        const QString& zipPath)
+{
+    ensureRequestTask();
+    if (m_jsObj)
+        connectTaskToBridge();
+    m_requestTask->startDataUpgrade(url, packageInfo, zipPath);
+}
+
+void NHelioCloudDocsPage::downloadPackage(const QString& url, const QString& savePath)
+{
+    ensureRequestTask();
+    if (m_jsObj)
+        connectTaskToBridge();
+    m_requestTask->startDownloadFileFromURL(url, savePath);
+}
+
 void NHelioCloudDocsPage::keepResult(const NCloudDocsRequestTaskResult& result)
 {
     if (result.replyName.isEmpty())

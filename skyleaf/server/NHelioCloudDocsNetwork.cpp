@@ -93,6 +93,8 @@ bool NHelioCloudDocsNetwork::canSend() const
 
 void NHelioCloudDocsNetwork::startPreRequests(const QString& fileId, const QString& officeType)
 {
+    if (m_fileId != fileId)
+        forgetLocalData();
     m_fileId = fileId;
     m_officeType = officeType;
     m_startedPreRequest = false;
@@ -106,6 +108,13 @@ void NHelioCloudDocsNetwork::startPreRequests(const QString& fileId, const QStri
         _startGetResPckInfo();
     if (!m_localData->query(m_fileId))
         onQueryLocalDataFinish();
+}
+
+/** A query that fails leaves what was known, which must not be another file's. */
+void NHelioCloudDocsNetwork::forgetLocalData()
+{
+    delete m_localData;
+    m_localData = nullptr;
 }
 
 void NHelioCloudDocsNetwork::onQueryLocalDataFinish()

@@ -64,6 +64,7 @@ public Q_SLOTS:
 
 private:
     bool ensureNetworkManager();
+    void forgetLocalData();
     bool canSend() const;
     void _startGetResPckInfo();
     void _startGetOfficeConfigInfo(int officeConfigType);

@@ -5,7 +5,7 @@ import subprocess
 import tempfile
 import unittest
 
-from e2e_case import BUILD, SITE, TEXT_DOCUMENT
+from e2e_case import SITE, TEXT_DOCUMENT
 from local_packages import plugin_members, switches
 from package_case import PackageCase
 from v8_log import V8Log

@@ -2,6 +2,7 @@ import assert from 'node:assert/strict';
 import test from 'node:test';
 import { DocumentsApi } from '../../demo/webapp/src/document/DocumentsApi.js';
 import { requestJson } from '../../demo/webapp/src/document/requestJson.js';
+import { SavedVersions } from '../../demo/webapp/src/document/SavedVersions.js';
 import { FakeServer } from './support/FakeServer.mjs';
 
 const local = { 'x-client-proxy': 'true' };
@@ -57,6 +58,24 @@ test('a save names the version that it rests on', async () => {
   assert.deepEqual(server.requests, [{
     url: '/api/v3/office/file/a%2Fb/content', method: 'PUT', body: { base_version: 4, content: { type: 'doc' } },
   }]);
+});
+
+test('a reply from before the last save is stale: the document is asked for over the network', async () => {
+  const kept = new Map();
+  const storage = { getItem: (name) => kept.get(name) ?? null, setItem: (name, value) => kept.set(name, value) };
+  const reply = (version) => ({ result: 'ok', 'window.__VLTENV__': { file_version: version, office_type: 'w' }, content: { version } });
+  const server = new FakeServer().answer(/content$/, { body: { result: 'ok', file_version: 5 } });
+  await new DocumentsApi(server.fetch, new SavedVersions(() => storage)).save('7', 4, {});
+  for (const [fileId, prefetched, source] of [['7', 4, 'network'], ['7', 5, 'local'], ['7', 6, 'local'], ['8', 1, 'local']]) {
+    const next = new FakeServer().answer(/proxy=true/, { body: reply(prefetched), headers: local }).answer(/preopen/, { body: reply(9) });
+    const opened = await new DocumentsApi(next.fetch, new SavedVersions(() => storage)).preopen(fileId, 'w', 'c');
+    assert.equal(opened.source, source, `${fileId}, ${prefetched}`);
+  }
+  kept.set('docs-saved-versions', '{"broken');
+  const versions = new SavedVersions(() => storage);
+  assert.equal(versions.of('7'), 0);
+  for (let id = 0; id < 60; ++id) versions.saved(String(id), 1);
+  assert.deepEqual([versions.of('0'), versions.of('59')], [0, 1]);
 });
 
 test('a server that never answers is given up, and so is an opening that was replaced', async () => {

@@ -12,10 +12,12 @@
 
 #include <QAuthenticator>
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDir>
 #include <QNetworkCookie>
 #include <QNetworkProxy>
 #include <QSslCertificate>
+#include <QSslKey>
 #include <QStandardPaths>
 #include <QWebEngineCertificateError>
 #include <QWebEngineProfile>
@@ -57,6 +59,24 @@ void BrowserEnvironment::prepareProcess(bool headless)
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
 }
 
+namespace {
+
+/**
+ * Has Chromium take the gateway's key for good. Accepting the certificate page by page is not enough: what
+ * comes with a certificate error is neither kept in the HTTP cache nor taken as a service worker.
+ */
+void trustKeyOf(const QByteArray& certificateDer)
+{
+    const QByteArray key = QSslCertificate(certificateDer, QSsl::Der).publicKey().toDer();
+    const QByteArray hash = QCryptographicHash::hash(key, QCryptographicHash::Sha256).toBase64();
+    const QString flags = mergedChromiumFlags(
+        qEnvironmentVariable("QTWEBENGINE_CHROMIUM_FLAGS"),
+        {QStringLiteral("--ignore-certificate-errors-spki-list=") + QString::fromLatin1(hash)});
+    qputenv("QTWEBENGINE_CHROMIUM_FLAGS", flags.toUtf8());
+}
+
+} // namespace
+
 BrowserEnvironment::BrowserEnvironment(Setup setup)
     : m_setup(withDefaults(std::move(setup)))
     , m_profiles(std::make_unique<ProfileStore>())
@@ -70,6 +90,7 @@ BrowserEnvironment::BrowserEnvironment(Setup setup)
             this, [this, record] { deliverRecord(record); }, Qt::QueuedConnection);
     };
     m_gateway = std::make_unique<RequestGateway>(std::move(options));
+    trustKeyOf(m_gateway->certificateDer());
     QNetworkProxy::setApplicationProxy(QNetworkProxy(QNetworkProxy::HttpProxy, gatewayAddress,
                                                      m_gateway->port(), m_gateway->user(),
                                                      m_gateway->password()));

@@ -3,10 +3,11 @@
 import json
 import os
 import shutil
+import time
 import urllib.request
 
 from e2e_case import BUILD, TEXT_DOCUMENT, EndToEndCase
-from helio_shell import merged
+from helio_shell import RpcError, merged
 from local_packages import copy_package, installed_packages, plugin_members, switches
 
 FRONT_VERSION = "return document.documentElement.dataset.frontVersion"
@@ -53,7 +54,14 @@ class PackageCase(EndToEndCase):
                 if each["target"].startswith(("/p/", "/l/", "/hybrid/", "/weboffice-static/", "/dist_langs/"))]
 
     def assert_readable(self, shell, page, text="Welcome"):
-        self.assertIn(text, shell.evaluate(page, "return document.body.innerText"))
+        deadline = time.monotonic() + 20  # a page may be on its way to the server once more
+        found = ""
+        while text not in found and time.monotonic() < deadline:
+            try:
+                found = shell.evaluate(page, "return document.body.innerText")
+            except RpcError:
+                time.sleep(0.1)
+        self.assertIn(text, found)
 
     def front_version(self, shell, page):
         return shell.evaluate(page, FRONT_VERSION)

@@ -1,6 +1,8 @@
+import { fileVersion } from './fileVersion.js';
 import { officeType } from './officeTypes.js';
 import { readPreopenReply } from './preopenReply.js';
 import { requestJson, requestJsonTwice } from './requestJson.js';
+import { SavedVersions } from './SavedVersions.js';
 
 const localTimeoutMs = 5000;
 
@@ -33,10 +35,12 @@ export function renderingOf(value) {
 /** The documents server as the front end uses it. Replies are those of `requestJson`. */
 export class DocumentsApi {
   #fetch;
+  #saved;
 
-  /** @param {typeof fetch} fetchFn */
-  constructor(fetchFn) {
+  /** @param {typeof fetch} fetchFn @param {SavedVersions} [savedVersions] */
+  constructor(fetchFn, savedVersions = new SavedVersions(() => window.localStorage)) {
     this.#fetch = fetchFn;
+    this.#saved = savedVersions;
   }
 
   list(options) {
@@ -52,7 +56,10 @@ export class DocumentsApi {
   preopen(fileId, typeCode, connId, options) {
     const url = preopenUrl(fileId, officeType(typeCode).packageName);
     const request = { method: 'POST', json: { connid: connId }, ...options };
-    const isUsable = (value) => readPreopenReply(value, typeCode).ok;
+    const isUsable = (value) => {
+      const opened = readPreopenReply(value, typeCode);
+      return opened.ok && opened.version >= this.#saved.of(fileId);
+    };
     return requestJsonTwice(this.#fetch, proxied(url, connId), url, isUsable, request);
   }
 
@@ -68,9 +75,12 @@ export class DocumentsApi {
     return requestJsonTwice(this.#fetch, proxied(url, connId), url, isUsable, options);
   }
 
-  save(fileId, baseVersion, content, options) {
+  async save(fileId, baseVersion, content, options) {
     const url = `/api/v3/office/file/${encodeURIComponent(fileId)}/content`;
     const json = { base_version: baseVersion, content };
-    return requestJson(this.#fetch, url, { method: 'PUT', json, ...options });
+    const reply = await requestJson(this.#fetch, url, { method: 'PUT', json, ...options });
+    const version = reply.ok && reply.value ? fileVersion(reply.value.file_version) : null;
+    if (version !== null) this.#saved.saved(fileId, version);
+    return reply;
   }
 }
