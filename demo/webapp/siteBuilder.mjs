@@ -132,7 +132,7 @@ async function writePages(types, version, { early, files, urls }, out) {
       early,
       documentScript: urls['document.js'],
       styles: names.map((name) => styleElement(`${name}.css`, files, urls)).join('\n'),
-      scripts: names.map((name) => `<script defer src="${urls[`${name}.js`]}"></script>`).join('\n'),
+      scripts: JSON.stringify(names.map((name) => urls[`${name}.js`])),
     });
     await writeFile(path.join(folder, `index-${code}.html`), page);
   }

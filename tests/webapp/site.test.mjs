@@ -21,7 +21,7 @@ function siteFile(url) {
 
 test('every file that a page names is in the site, without query', { skip }, () => {
   for (const page of pages) {
-    const urls = [...read(...page).matchAll(/<(?:script|link|img)[^>]*(?:src|href)="([^"]+)"/g)].map((match) => match[1]);
+    const urls = [...read(...page).matchAll(/"(\/(?:hybrid|static)\/[^"]+)"/g)].map((match) => match[1]);
     assert.ok(urls.some((url) => url.endsWith('.js')), page.join('/'));
     for (const url of urls) {
       assert.match(url, /^\/(hybrid\/weboffice-static\/js|static)\/[\w.-]+$/);
@@ -95,6 +95,7 @@ test('the service worker keeps the pages and what they name, each under a revisi
     assert.equal(revision === 'null', /\.[0-9a-f]{16}\.\w+$/.test(url), url);
   }
   const kept = list.map(([, url]) => url);
-  const urls = [...read('dist_langs', 'zh-CN', 'index-w.html').matchAll(/<script[^>]* src="([^"]+)"/g)].map((match) => match[1]);
+  const urls = [...read('dist_langs', 'zh-CN', 'index-w.html').matchAll(/data-scripts='([^']+)'/g)].flatMap((match) => JSON.parse(match[1]));
+  assert.equal(urls.length, 2);
   for (const url of [...urls, '/dist_langs/zh-CN/index-w.html']) assert.ok(kept.includes(url), url);
 });

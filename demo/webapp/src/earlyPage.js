@@ -3,6 +3,17 @@
  * the page while the scripts are still on their way.
  */
 import { startEarly } from './document/EarlyOpening.js';
+import { PageScripts } from './document/pageScripts.js';
 
-const { officeType, frontVersion } = document.documentElement.dataset;
-window.skyleafEarly = startEarly({ owner: window, typeCode: officeType, frontVersion });
+const { officeType, frontVersion, scripts } = document.documentElement.dataset;
+const early = startEarly({ owner: window, typeCode: officeType, frontVersion });
+const pageScripts = new PageScripts(window, JSON.parse(scripts), { wait: early !== null && early.hasStored });
+
+window.skyleafEarly = early;
+window.skyleafPage = {
+  /** Called as soon as the document's place is there. */
+  begin(page) {
+    if (early) early.showStored(page);
+    pageScripts.load({ afterPainting: early !== null && early.showsStored });
+  },
+};

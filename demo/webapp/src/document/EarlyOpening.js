@@ -28,6 +28,11 @@ export class EarlyOpening {
     });
   }
 
+  /** Whether something of the document came with the page. */
+  get hasStored() {
+    return this.injected.content !== null || this.injected.cachedHtml !== null;
+  }
+
   /** Called as soon as the document's place is there. */
   showStored(page) {
     const preview = storedPreview(this.injected, this.#typeCode);
