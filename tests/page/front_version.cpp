@@ -8,6 +8,7 @@
 #include "support/ShellFixture.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
 #include <QUrlQuery>
@@ -135,10 +136,11 @@ TEST_F(FrontVersion, ARunMadeAfterTheLifetimeOfTheRepliesHasNewIds)
     ASSERT_TRUE(waitUntil([this] { return server.count("/api/v3/office/file") == 1; }));
     turn();
     const QByteArray first = server.last("/api/v3/office/file").body;
-    EXPECT_TRUE(waitUntil([this] {
-        page->notify(page->notifyUrl());
-        return server.count("/api/v3/office/file") == 2;
-    }));
+    QElapsedTimer sinceReply;
+    sinceReply.start();
+    waitUntil([&] { return sinceReply.elapsed() > 1200; });
+    page->notify(page->notifyUrl());
+    EXPECT_TRUE(waitUntil([this] { return server.count("/api/v3/office/file") == 2; }));
     EXPECT_TRUE(hasLogged(QStringLiteral("data expired")));
     EXPECT_NE(server.last("/api/v3/office/file").body, first);
 }
