@@ -364,7 +364,8 @@ class Shell:
     def _clean_up(self):
         if getattr(self, "_process", None):
             self._reader.join(5)
-            self._process.process.stdout.close()
+            if not self._reader.is_alive():  # a process that outlives the shell may still hold its output
+                self._process.process.stdout.close()
         if self._display:
             self._display.stop()
             self._display = None
