@@ -181,6 +181,7 @@ private:
     void _startVcsRequest();
     void ensureRequestTask();
     void connectTaskToBridge();
+    NCloudDocsRequestTask& requestTaskForScript();
     NDOPProxyInfo proxyInfo(const QString& frontVer = {}) const;
     void initDocsLocalResource();
     void _updateProxy(const QString& frontVer);

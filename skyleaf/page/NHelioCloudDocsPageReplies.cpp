@@ -58,21 +58,24 @@ void NHelioCloudDocsPage::connectTaskToBridge()
             &NHelioCloudDocsPage::onAppendResponseCookies, queuedOnce);
 }
 
-void NHelioCloudDocsPage::uploadPackage(const QString& url, const QString& packageInfo,
-                                        const QString& zipPath)
+/** The request task, whose results for scripts reach the bridge. */
+NCloudDocsRequestTask& NHelioCloudDocsPage::requestTaskForScript()
 {
     ensureRequestTask();
     if (m_jsObj)
         connectTaskToBridge();
-    m_requestTask->startDataUpgrade(url, packageInfo, zipPath);
+    return *m_requestTask;
+}
+
+void NHelioCloudDocsPage::uploadPackage(const QString& url, const QString& packageInfo,
+                                        const QString& zipPath)
+{
+    requestTaskForScript().startDataUpgrade(url, packageInfo, zipPath);
 }
 
 void NHelioCloudDocsPage::downloadPackage(const QString& url, const QString& savePath)
 {
-    ensureRequestTask();
-    if (m_jsObj)
-        connectTaskToBridge();
-    m_requestTask->startDownloadFileFromURL(url, savePath);
+    requestTaskForScript().startDownloadFileFromURL(url, savePath);
 }
 
 void NHelioCloudDocsPage::keepResult(const NCloudDocsRequestTaskResult& result)
