@@ -27,6 +27,22 @@ QString below(const QString& root, const QString& relativePos)
     return QDir::toNativeSeparators(root + QDir::separator() + relativePos);
 }
 
+/** What a transfer of a package needs. */
+struct Transfer
+{
+    explicit Transfer(const QVariantMap& arguments)
+        : localId(text(arguments, "localId"))
+        , address(text(arguments, "serverAddress"))
+        , relativePos(text(arguments, "relativePos"))
+    {
+    }
+    bool isWhole() const { return !localId.isEmpty() && !address.isEmpty() && !relativePos.isEmpty(); }
+
+    QString localId;
+    QString address;
+    QString relativePos;
+};
+
 /** {"callstatus": "ok", "result": result} as JSON text. */
 QString okText(const QJsonValue& result)
 {
@@ -156,20 +172,18 @@ void NDOPStorageInfoHandler::upload(NxWebViewJSContext& context)
     if (!host)
         return;
     const QVariantMap arguments = parseContextArgs(context, true);
-    const QString localId = text(arguments, "localId");
-    const QString address = text(arguments, "serverAddress");
-    const QString relativePos = text(arguments, "relativePos");
+    const Transfer transfer(arguments);
     const QString packageInfo = text(arguments, "packageInfo");
-    if (localId.isEmpty() || address.isEmpty() || relativePos.isEmpty() || packageInfo.isEmpty())
+    if (!transfer.isWhole() || packageInfo.isEmpty())
         return replyError(context, QStringLiteral("params isEmpty"));
-    const QString root = localPckRootPath(localId);
+    const QString root = localPckRootPath(transfer.localId);
     if (root.isEmpty())
         return replyError(context, QStringLiteral("localPckRootPath isEmpty"));
     m_uploadCallback = context.getValue(QStringLiteral("callback")).toString();
-    const QString zipPath = below(root, relativePos);
+    const QString zipPath = below(root, transfer.relativePos);
     if (!npackagefiles::isFileWithin(root, zipPath))
         return replyError(context, QStringLiteral("uploadZipFile not exist"));
-    host->uploadPackage(address, packageInfo, zipPath);
+    host->uploadPackage(transfer.address, packageInfo, zipPath);
 }
 
 void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
@@ -177,24 +191,21 @@ void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
     IStorageTransferHost* host = transferHost(context);
     if (!host)
         return;
-    const QVariantMap arguments = parseContextArgs(context, true);
-    const QString localId = text(arguments, "localId");
-    const QString address = text(arguments, "serverAddress");
-    const QString relativePos = text(arguments, "relativePos");
-    if (localId.isEmpty() || address.isEmpty() || relativePos.isEmpty())
+    const Transfer transfer(parseContextArgs(context, true));
+    if (!transfer.isWhole())
         return replyError(context, QStringLiteral("params isEmpty"));
-    if (!QUrl(address, QUrl::StrictMode).isValid())
+    if (!QUrl(transfer.address, QUrl::StrictMode).isValid())
         return replyError(context, QStringLiteral("serverAddress is invalid"));
-    const QString root = localPckRootPath(localId);
+    const QString root = localPckRootPath(transfer.localId);
     if (root.isEmpty())
         return replyError(context, QStringLiteral("localPckRootPath isEmpty"));
-    const QString path = below(root, relativePos);
+    const QString path = below(root, transfer.relativePos);
     if (nrt::dirs::inBlackDownloadDir(path))
         return replyError(context, QStringLiteral("relativePos unsafe in installRootDir"));
     if (!npackagefiles::isPlaceWithin(root, path))
         return replyError(context, QStringLiteral("relativePos leaves the package"));
     m_downloadCallback = context.getValue(QStringLiteral("callback")).toString();
-    host->downloadPackage(address, path);
+    host->downloadPackage(transfer.address, path);
 }
 
 void NDOPStorageInfoHandler::onUpload(const QByteArray& body)

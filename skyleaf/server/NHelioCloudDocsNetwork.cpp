@@ -162,14 +162,12 @@ void NHelioCloudDocsNetwork::_startGetResPckInfo()
     const QString packageName = NDOPConfig::instance().packageName(m_officeType);
     DocsRequest request;
     request.url = serviceUrl(path);
-    if (!canSend() || request.url.isEmpty())
+    if (!canSend() || request.url.isEmpty() || packageName.isEmpty())
         return;
     request.headers = {{QStringLiteral("Origin"), requestidentity::originHost()}};
     requestidentity::authenticate(request, QStringLiteral("POST"), path);
     requestoverride::writeCookies(request);
     request.headers.insert(QStringLiteral("User-Agent"), NxUserAgentUtil::getUserAgent());
-    if (packageName.isEmpty())
-        return;
     sendPost(request, docsrequests::packageInfoBody(packageName, m_frontVer, m_buildTime),
              docsrequests::packageInfo, m_fileId);
     ndocslog::info(QStringLiteral("_startGetResPckInfo url:%1").arg(request.url),
