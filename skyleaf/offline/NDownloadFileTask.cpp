@@ -144,10 +144,12 @@ void NDownloadFileTask::run()
         QObject::connect(*reply, &QObject::destroyed, *reply, [end] {});
     });
 
+    bool written = true;
     while (const std::optional<QByteArray> bytes = stream->take()) {
-        file.write(*bytes);
+        written = file.write(*bytes) == bytes->size() && written;
         m_source->post(pump);
     }
+    written = file.flush() && written;
     file.close();
-    Q_EMIT requestFinished(true);
+    Q_EMIT requestFinished(written);
 }

@@ -25,7 +25,7 @@ public:
     void run() override;
 
 Q_SIGNALS:
-    /** False when the file may not be written or cannot be; the outcome of the request does not count. */
+    /** False when the file may not be written or cannot be (a full disk); the outcome of the request does not count. */
     void requestFinished(bool ok);
 
 private:

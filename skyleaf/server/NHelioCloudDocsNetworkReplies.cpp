@@ -85,11 +85,11 @@ void NHelioCloudDocsNetwork::onFinished(QNetworkReply* reply)
 {
     if (!reply)
         return;
-    const QByteArray body = reply->readAll();
     const qint64 startTime = reply->property("startTime").toLongLong();
     const QString replyName = reply->property("replyName").toString();
+    // A download's last bytes belong to the task that writes them; this is called before it has them.
     if (replyName == docsrequests::dataUpgrade)
-        Q_EMIT sigRequestFromApiFinished(docsrequests::dataUpgrade, body);
+        Q_EMIT sigRequestFromApiFinished(docsrequests::dataUpgrade, reply->readAll());
     _reportNetworkResult(reply->error(), nrt::requestedUrl(*reply).toString(), nclock::nowMs() - startTime,
                          -1, replyName);
     reply->deleteLater();

@@ -11,6 +11,10 @@
 #include <QJsonDocument>
 #include <QSignalSpy>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr int versionCheckItem = 62377;
@@ -224,6 +228,32 @@ TEST_F(DocsNetwork, ADataUpgradeIsAFormAndADownloadAFile)
     ASSERT_TRUE(waitUntil([&] { return finished.size() == 2; }));
     EXPECT_EQ(finished.value(QStringLiteral("download_file")), "0");
     EXPECT_TRUE(finished.value(QStringLiteral("data_upgrade")).isEmpty());
+}
+
+TEST_F(DocsNetwork, ADownloadThatIsCompleteBeforeItIsWrittenLosesNothing)
+{
+    constexpr int size = 6 << 20; // more than the bytes on their way to the writer may be
+    server.answer("/down", {200, QByteArray(size, 'x'), {}});
+    const QByteArray pipe = QFile::encodeName(directory.filePath(QStringLiteral("pipe")));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    const int reader = ::open(pipe.constData(), O_RDONLY | O_NONBLOCK); // stands in for a slow disk
+    ASSERT_GE(reader, 0);
+    startTask();
+    task->startDownloadFileFromURL(server.origin() + QStringLiteral("/down"), QFile::decodeName(pipe));
+    EXPECT_TRUE(waitUntil([&] {
+        const auto& events = host->dataCollection().events();
+        return !events.isEmpty() &&
+               events.last().fields.value(QStringLiteral("name")) == QLatin1String("download_file");
+    })) << "the reply is complete";
+
+    qint64 written = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        QByteArray bytes(1 << 20, '\0');
+        written += qMax<ssize_t>(0, ::read(reader, bytes.data(), size_t(bytes.size())));
+        return written >= size;
+    })) << written;
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(5000));
+    ::close(reader);
 }
 
 TEST_F(DocsNetwork, APageThatClosesDuringADownloadEndsIt)
