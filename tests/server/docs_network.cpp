@@ -232,7 +232,7 @@ TEST_F(DocsNetwork, ADataUpgradeIsAFormAndADownloadAFile)
 
 TEST_F(DocsNetwork, ADownloadThatIsCompleteBeforeItIsWrittenLosesNothing)
 {
-    constexpr int size = 6 << 20; // more than the bytes on their way to the writer may be
+    constexpr int size = 8 << 20; // more than the bytes on their way to the writer may be
     server.answer("/down", {200, QByteArray(size, 'x'), {}});
     const QByteArray pipe = QFile::encodeName(directory.filePath(QStringLiteral("pipe")));
     ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
@@ -242,8 +242,8 @@ TEST_F(DocsNetwork, ADownloadThatIsCompleteBeforeItIsWrittenLosesNothing)
     task->startDownloadFileFromURL(server.origin() + QStringLiteral("/down"), QFile::decodeName(pipe));
     EXPECT_TRUE(waitUntil([&] {
         const auto& events = host->dataCollection().events();
-        return !events.isEmpty() &&
-               events.last().fields.value(QStringLiteral("name")) == QLatin1String("download_file");
+        return !events.empty() &&
+               events.back().fields.value(QStringLiteral("name")) == QLatin1String("download_file");
     })) << "the reply is complete";
 
     qint64 written = 0;
