@@ -1,22 +1,17 @@
 #pragma once
 
 #include "nheliostat/NHelioApplication.h"
-#include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/framework/ApplicationInstance.h"
+#include "support/SilentCloudSvrProxy.h"
 
 #include "tava/TavaIpc_types.h"
 
 #include <vector>
 
 /** A cloud service that keeps what it was asked and answers only when told to. */
-class FakeCloudSvrProxy final : public NHelioCloudSvrProxy
+class FakeCloudSvrProxy final : public SilentCloudSvrProxy
 {
 public:
-    bool currentUserInfo(NHelioUserInfo& info) const override
-    {
-        info = user;
-        return true;
-    }
     QString getDOPFileInfo(const QString& localId, const QString& fileId, QObject* receiver,
                            const char* slot) override
     {
@@ -33,17 +28,6 @@ public:
         calls.push_back(*static_cast<const vlt::tava::TavaIpcArg*>(argument.data()));
         return QStringLiteral("call");
     }
-    QString createDOPRootData(const QString&, QObject*, const char*) override { return {}; }
-    QString removeDOPRootData(const QString&, QObject*, const char*) override { return {}; }
-    QString updateDOPFileInfo(const QString&, const QString&, const QString&, QObject*, const char*) override
-    {
-        return {};
-    }
-    QString unzipDOPFile(const QString&, const QString&, const QString&, const QString&, const QString&,
-                         QObject*, const char*) override
-    {
-        return {};
-    }
 
     /** Answers the query of that number, counted from 1. */
     void deliverFileInfo(int query, bool success, const TavaIpcResult& result)
@@ -52,7 +36,6 @@ public:
                                   Q_ARG(QString, QString::number(query)), Q_ARG(TavaIpcResult, result));
     }
 
-    NHelioUserInfo user;
     QStringList askedFiles; //!< "local id|file id"
     QStringList functions;  //!< "function|argument|slot"
     bool hadReceiver = false;
@@ -78,6 +61,8 @@ public:
     NHelioSkin* helioSkin() const override { return nullptr; }
     NHelioAccount* account() const override { return nullptr; }
     QObject* scriptIpcEventHub() const override { return nullptr; }
+    bool isShelllessMode() const override { return false; }
+    QWidget* widget() const override { return nullptr; }
     void installPluginTranslation(const QString&, const QStringList&) override {}
     void uninstallPluginTranslation(const QString&, const QStringList&) override {}
 

@@ -33,6 +33,19 @@ void NHelioAppPage::newDocument(const QString& text, const QStringList& args, NH
     load();
 }
 
+bool NHelioAppPage::openLocalFiles(const QStringList& args, const QStringList& names,
+                                   NHelioProxyStrategy strategy, NHelioSubPage* subPage,
+                                   const QVariantMap& extra, bool activate)
+{
+    Q_UNUSED(args)
+    Q_UNUSED(names)
+    Q_UNUSED(strategy)
+    Q_UNUSED(subPage)
+    Q_UNUSED(extra)
+    Q_UNUSED(activate)
+    return false;
+}
+
 void NHelioAppPage::notifyFocusIn()
 {
     setFocus(Qt::OtherFocusReason);

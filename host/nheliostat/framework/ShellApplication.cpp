@@ -184,6 +184,15 @@ NHelioAccount* ShellApplication::account() const
     return m_account;
 }
 
+QWidget* ShellApplication::widget() const
+{
+    ShellMainWindow* first = firstWindow();
+    const QVector<NHelioMainWindow*> windows = mainWindows();
+    const auto active = std::find_if(windows.begin(), windows.end(),
+                                     [](const NHelioMainWindow* window) { return window->isActiveWindow(); });
+    return active == windows.end() ? first : *active;
+}
+
 void ShellApplication::installPluginTranslation(const QString& module, const QStringList& names)
 {
     m_translators.install(module, names);

@@ -64,12 +64,13 @@ public:
     QVector<NHelioMainWindow*> mainWindows() const override;
     NHelioMainWindow* findRelativeHelioMainWindow(const QObject* object) const override;
     NHelioCloudSvrProxy* cloudSvrProxy() const override;
-    /** None: the shell keeps no cloud files of its own. */
     NHelioCloudFilesMgr* cloudFilesMgr() const override { return nullptr; }
     NHelioCloudCollectInfoMgr* getCloudCollectInfoMgr() const override { return &m_collectInfo; }
     NHelioSkin* helioSkin() const override { return &m_skin; }
     NHelioAccount* account() const override;
     QObject* scriptIpcEventHub() const override { return m_scriptIpcEventHub; }
+    bool isShelllessMode() const override { return false; }
+    QWidget* widget() const override;
     void installPluginTranslation(const QString& module, const QStringList& names) override;
     void uninstallPluginTranslation(const QString& module, const QStringList& names) override;
 

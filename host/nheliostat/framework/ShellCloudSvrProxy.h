@@ -5,6 +5,8 @@
 
 #include <QStringList>
 
+class ICloudWindows;
+
 /**
  * Knows the user that the shell was given, and calls the cloud service process for them. With nobody signed
  * in the records are those of no user.
@@ -22,7 +24,10 @@ public:
 
     const NHelioUserInfo& user() const { return m_user; }
     void setUser(const NHelioUserInfo& user);
+    bool isLoggedIn() const override { return m_user.loggedIn; }
     bool currentUserInfo(NHelioUserInfo& info) const override;
+    /** Null (the start) for a program without windows; not owned. */
+    void setWindows(ICloudWindows* windows) { m_windows = windows; }
 
     QString createDOPRootData(const QString& fileId, QObject* receiver, const char* slot) override;
     QString removeDOPRootData(const QString& localId, QObject* receiver, const char* slot) override;
@@ -33,8 +38,31 @@ public:
     QString unzipDOPFile(const QString& localId, const QString& isCompress, const QString& isRemoveZip,
                          const QString& source, const QString& destination, QObject* receiver,
                          const char* slot) override;
+    QString folderUpload(const QString& groupId, const QString& parentId, const QString& localFolder,
+                         QObject* receiver, const char* slot, const QString& option) override;
+    QString batchUploadFileListToAnyExistedPath(const QString& groupId, const QString& parentId,
+                                                const QStringList& paths, const QString& fileId,
+                                                bool keepsPaths, QObject* receiver, const char* slot,
+                                                const QString& option) override;
+    QString downloadDir(const QString& groupId, const QStringList& folderIds, const QString& localDirectory,
+                        QObject* receiver, const QString& option) override;
+    QString downloadCloudFiles(const QStringList& fileIds, const QString& localDirectory,
+                               const QString& historyId, QObject* receiver, const char* slot) override;
     QString invokeCloudFunction(const QString& function, QGenericArgument argument, QObject* receiver,
                                 const char* slot) override;
+    QString callCloudMethod(const QString& method, const QStringList& arguments, QObject* receiver,
+                            const char* slot) override;
+
+    void showFileUploadProgress(QWidget* parent) override;
+    void showFileDownloadProgress(QWidget* parent) override;
+    void showLoginPrompt(QWidget* parent, const QString& reason, const QString& source) override;
+    void showMembershipUpgrade(const QString& pageSource, const QString& product, int kind,
+                               int option) override;
+    void openVirtualCloudDisk(const QString& userId, const QString& groupId, const QString& folderId,
+                              const QString& from, bool newWindow) override;
+    void prepareToggleModeLoadingMask(QWidget* widget, std::function<void()> completed) override;
+    void notifyOpenPrintFiles(NHelioMainWindow* window, const QString& path, const QString& fileId,
+                              std::function<void(const QJsonObject& result)> completed) override;
 
     /** Whether the process runs; cheap. */
     bool isServiceRunning() const { return m_client.isRunning(); }
@@ -57,6 +85,7 @@ private:
     NHelioUserInfo m_user;
     const QString m_apiUrl;
     const QMap<QString, QString> m_resolve;
+    ICloudWindows* m_windows = nullptr;
     bool m_hasLostService = false;
     vlt::cloudsvr::CloudServiceClient m_client;
 };

@@ -44,3 +44,19 @@ void ShellCollectInfoMgr::reportDownloadProhibited()
     if (NDcInfoC* collection = services ? services->getDcInfo() : nullptr)
         collection->postGeneralEvent(QStringLiteral("download_prohibited_open"), NDcFields(), 0, 0, 1, false);
 }
+
+void ShellCollectInfoMgr::sendCloudFileOpen(const QString& userId, const QString& source,
+                                            const QString& action, int virtualType)
+{
+    NCoreApplication* services = NCoreApplication::instance();
+    NDcInfoC* collection = services ? services->getDcInfo() : nullptr;
+    if (!collection)
+        return;
+    const NDcFields fields{
+        {QStringLiteral("userid"), userId},
+        {QStringLiteral("source"), source},
+        {QStringLiteral("action"), action},
+        {QStringLiteral("virtualtype"), QString::number(virtualType)},
+    };
+    collection->postGeneralEvent(QStringLiteral("cloud_file_open"), fields, 0, 0, 1, false);
+}

@@ -20,6 +20,8 @@ public:
     /** 0 when no open was asked for within the last minute. */
     qint64 openStartTime() const override;
     void reportDownloadProhibited() override;
+    void sendCloudFileOpen(const QString& userId, const QString& source, const QString& action,
+                           int virtualType) override;
 
 private:
     Clock m_clock;

@@ -20,6 +20,7 @@ public:
     NHelioTabBar* tabBar() const override;
     NHelioHeaderBar* headerBar() const override;
     NHelioWorkAreaManager* workAreaManager() const override { return &m_workArea; }
+    NHelioDockPanelUtility* getDockPanelUtility() const override { return nullptr; }
     /** True while a dialog or a menu is open. */
     bool isFocusLockedInCurrentPage() const override;
     void showToFront(bool restore, bool raise, bool flash) override;

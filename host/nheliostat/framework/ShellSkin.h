@@ -10,6 +10,8 @@ public:
     {
     }
     bool isDark() const override { return m_dark; }
+    /** One palette serves all kinds of windows. */
+    QPalette palette(const QString& name) const override;
     void setDark(bool dark) { m_dark = dark; }
 
 private:

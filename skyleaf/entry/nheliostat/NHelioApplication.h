@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPalette>
+#include <QVariantMap>
 #include <QVector>
 
 class NHelioAccount;
@@ -31,6 +33,10 @@ public:
     virtual NHelioAccount* account() const = 0;
     /** Where script inter-process events (type NHelioScriptIpcEvent::eventType) are sent. */
     virtual QObject* scriptIpcEventHub() const = 0;
+    /** True when pages are shown without the shell's windows around them. */
+    virtual bool isShelllessMode() const = 0;
+    /** The window in front; null without windows. */
+    virtual QWidget* widget() const = 0;
 
     /** Installs and removes a module's translations; the list names the translation files. */
     virtual void installPluginTranslation(const QString& module, const QStringList& names) = 0;
@@ -59,7 +65,16 @@ class NHelioSkin
 public:
     virtual ~NHelioSkin() = default;
     virtual bool isDark() const = 0;
+    /** The palette of a kind of window, such as "FileDialog". */
+    virtual QPalette palette(const QString& name) const = 0;
 };
+
+namespace NHelioCollectInfoHelper {
+
+/** The part of the drive that a document was opened from. */
+enum VIRTUAL_TYPE { Unknown = -1, All = 0, Team = 1, Device = 2, Received = 3 };
+
+} // namespace NHelioCollectInfoHelper
 
 /** Collects how documents are opened. */
 class NHelioCloudCollectInfoMgr
@@ -70,6 +85,21 @@ public:
      */
     virtual qint64 openStartTime() const = 0;
     virtual void reportDownloadProhibited() = 0;
+    virtual void sendCloudFileOpen(const QString& userId, const QString& source, const QString& action,
+                                   int virtualType) = 0;
+};
+
+/** Opens files of the cloud as local documents. */
+class NHelioCloudFilesMgr
+{
+public:
+    virtual ~NHelioCloudFilesMgr() = default;
+    /**
+     * Downloads a file and opens it, in `window` or, with null, in a window of the shell's choice. Keys:
+     * "fileid", "fileName", "doctype", "csource", "from", "supportNoLand", "pageIdxInfo", "isSwitch",
+     * "isSaveAs". Does not wait.
+     */
+    virtual void downloadAndOpen(const QVariantMap& parameters, NHelioMainWindow* window) = 0;
 };
 
 /** Calls a function of the browser module. False when it is not there or failed. */

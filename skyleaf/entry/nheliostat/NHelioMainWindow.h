@@ -75,6 +75,22 @@ public:
     virtual void updateItem(const QString& id) = 0;
 };
 
+/** The dock panels of a window. */
+class NHelioDockPanelUtility
+{
+public:
+    virtual ~NHelioDockPanelUtility() = default;
+    virtual QString getDefaultDockContainerId() const = 0;
+    /**
+     * Hands a message to the panels of a container. The receiver, which may be null, is the object that the
+     * message comes from. False when the container is unknown or nobody takes the message.
+     */
+    virtual bool notifyDockMessage(const QString& containerId, const QString& event, const QString& message,
+                                   const QString& source, QObject* receiver) = 0;
+    /** Whether the user can reach the panel, such as "dockpanel_sorrel". */
+    virtual bool isDockPanelEntryVisible(const QString& panelId) const = 0;
+};
+
 class NHelioMainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -85,6 +101,7 @@ public:
     virtual NHelioTabBar* tabBar() const = 0;
     virtual NHelioHeaderBar* headerBar() const = 0;
     virtual NHelioWorkAreaManager* workAreaManager() const = 0;
+    virtual NHelioDockPanelUtility* getDockPanelUtility() const = 0;
     /** Whether the keyboard focus stays where it is when a page is told that it has it. */
     virtual bool isFocusLockedInCurrentPage() const = 0;
     virtual void showToFront(bool restore, bool raise, bool flash) = 0;

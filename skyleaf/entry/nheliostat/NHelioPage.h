@@ -74,6 +74,10 @@ public:
     /** Opens a document in the page: activates its initial sub page and loads. */
     virtual void newDocument(const QString& text, const QStringList& args, NHelioProxyStrategy strategy,
                              NHelioSubPage* subPage, const QVariantMap& extra);
+    /** Opens files of the cloud by their ids, for pages that know them. True when the page takes them. */
+    virtual bool openLocalFiles(const QStringList& args, const QStringList& names,
+                                NHelioProxyStrategy strategy, NHelioSubPage* subPage,
+                                const QVariantMap& extra, bool activate);
     virtual void notifyFocusIn();
     /** False when the page is hidden behind others of its tab. */
     virtual bool isAlive() const { return true; }
@@ -82,6 +86,19 @@ public:
     virtual void handleNotifyParams(const QVariantMap& params) { Q_UNUSED(params) }
     /** Tells the page where its file came from, after every load. */
     virtual void setFileSrcFrom(const QString& url) { Q_UNUSED(url) }
+};
+
+/** A page of local documents: each is a sub page of it. */
+class NHelioVltPage : public NHelioAppPage
+{
+    Q_OBJECT
+public:
+    using NHelioAppPage::NHelioAppPage;
+    /** The sub page of the document that the parameters ("fileId", "historyid") name, or null. */
+    virtual NHelioSubPage* findSubPage(const QMap<QString, QString>& parameters,
+                                       bool includesHidden = false) const = 0;
+    /** False when the document stays open. */
+    virtual bool closeSubPage(NHelioSubPage* subPage) = 0;
 };
 
 /** One entry of the work-area recovery: what a sub page showed. */

@@ -48,6 +48,13 @@ public:
     virtual NPluginPtr getPlugin(const QString& name) = 0;
 };
 
+namespace kpluginconfig {
+
+/** The directory that the installation's configuration gives for a plug-in; empty when it gives none. */
+QString getPluginPath(const QString& name, const QString& version);
+
+} // namespace kpluginconfig
+
 /** The plug-ins of the installation. User-interface thread. */
 class NPluginManager
 {
