@@ -1,7 +1,8 @@
 #include "bridge/CloudDocsPages.h"
 
 #include "base/NDocsLog.h"
-#include "base/NDomains.h"
+#include "bridge/DocsLinks.h"
+#include "bridge/ShellAccess.h"
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioMainWindow.h"
 #include "nheliostat/NHelioSubPage.h"
@@ -13,12 +14,6 @@ namespace clouddocspages {
 namespace {
 
 constexpr auto findOperation = "`anonymous-namespace'::findExistingCloudDocsPage";
-
-NHelioMainWindow* windowOf(const QObject* object)
-{
-    const NHelioApplication* application = NHelioApplication::instance();
-    return application ? application->findRelativeHelioMainWindow(object) : nullptr;
-}
 
 bool isUnusedPrecreated(NHelioAppPage* page)
 {
@@ -45,7 +40,7 @@ void bringToFront(NHelioCentralArea* centralArea, NHelioAppPage* page, bool refr
         subPage->activate(QString(), true);
     else
         openInPage(page);
-    if (NHelioMainWindow* window = windowOf(centralArea))
+    if (NHelioMainWindow* window = shellaccess::windowOf(centralArea))
         window->showToFront(true, true, false);
     if (refresh && subPage)
         QMetaObject::invokeMethod(subPage->page(), "refresh", Qt::QueuedConnection);
@@ -119,7 +114,7 @@ bool loadPreviewPage(NHelioAppPage* page, const QString& openUrl, const QString&
         return false;
     QString target = openUrl.isEmpty() ? url : openUrl;
     if (target.isEmpty() && !fileId.isEmpty())
-        target = ndomains::url(QStringLiteral("quill_api_spec")) + QStringLiteral("/p/%1").arg(fileId);
+        target = docslinks::documentUrl(fileId);
     const QUrl parsed(target);
     if (!parsed.isValid() || parsed.host().isEmpty())
         return false;
@@ -136,8 +131,7 @@ bool loadPreviewPage(NHelioAppPage* page, const QString& openUrl, const QString&
     if (!showToolbar)
         page->notify(QStringLiteral("setToolBar=0"));
 
-    NHelioMainWindow* window = windowOf(page);
-    NHelioCentralArea* centralArea = window ? window->centralArea() : nullptr;
+    NHelioCentralArea* centralArea = shellaccess::centralAreaOf(page);
     if (activate) {
         if (centralArea)
             centralArea->setCurrentPage(page);

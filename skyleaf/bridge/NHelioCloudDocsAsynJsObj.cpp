@@ -6,6 +6,8 @@
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nrt/NSettings.h"
+#include "nrt/networkAccess.h"
+#include "nvltcloudmodule/NVltCloudWidgets.h"
 #include "offline/NDOPStorageFileHandler.h"
 #include "offline/NDOPStorageHandler.h"
 #include "offline/NDOPStorageInfoHandler.h"
@@ -38,7 +40,7 @@ NHelioCloudDocsAsynJsObj::NHelioCloudDocsAsynJsObj(QObject* parent, NxWebViewCon
 {
     setProperty("isCloudDocContainer", true);
     m_lastDir = readDocumentsPath();
-    m_network = new QNetworkAccessManager(this);
+    m_network = new nrt::NNetworkAccessManager(this);
     connect(&m_uploadStateTimer, &QTimer::timeout, this,
             &NHelioCloudDocsAsynJsObj::onGetUploadStateTimerTimeout);
     connect(&m_downloadStateTimer, &QTimer::timeout, this,
@@ -172,12 +174,6 @@ void NHelioCloudDocsAsynJsObj::jsReloadCef(NxWebViewJSContext&)
     Q_EMIT sigReload();
 }
 
-void NHelioCloudDocsAsynJsObj::getOpenCooperationResult(NxWebViewJSContext& context)
-{
-    context.reply()["callstatus"] = "ok";
-    context.reply()["result"] = m_openCooperationResult;
-}
-
 void NHelioCloudDocsAsynJsObj::onNetworkRequestFinish(const QString& replyName, const QByteArray& data)
 {
     ndocslog::info(QStringLiteral("%1 finished").arg(replyName),
@@ -200,11 +196,6 @@ void NHelioCloudDocsAsynJsObj::onWebFileReady(const QMap<QString, QString>& info
 {
     if (m_dockMessageHandler)
         m_dockMessageHandler->updateWebFileInfo(info);
-}
-
-void NHelioCloudDocsAsynJsObj::onBatchUploadFileListToAnyExistedPath(bool, const QString&,
-                                                                     const QMap<QString, QString>&)
-{
 }
 
 void NHelioCloudDocsAsynJsObj::onDragEnter(const QStringList& files)

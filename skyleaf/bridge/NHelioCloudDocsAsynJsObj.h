@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/NHelioCommonJSAPI.h"
 
 #include <QJsonObject>
@@ -17,6 +18,8 @@ class NDOPWebviewPreloadHandler;
 class NHelioAppPage;
 class NPrintFileHandler;
 class NSorrelDockpanelJsHandler;
+class NVltCloudWidgets;
+struct OpenArguments;
 
 /**
  * The bridge: the script object through which the documents web application of one page reaches the native
@@ -113,14 +116,34 @@ public Q_SLOTS:
     void onDragEnter(const QStringList& files);
     /** The reply to a folder upload: nothing follows from it. */
     void onBatchUploadFileListToAnyExistedPath(bool success, const QString& requestId,
-                                               const QMap<QString, QString>& reply);
+                                               const stringMap& reply);
     void onGetUploadStateTimerTimeout();
+    void onGetBatchUploadFileListState(bool success, const QString& requestId, const NRpcResponse& reply);
+    void onBatchDownloadCloudFilesToPath(bool success, const QString& requestId,
+                                         const DownloadCloudFilesResult& result);
     void onGetDownloadStateTimerTimeout();
+    void onGetBatchDownloadCloudFilesState(bool success, const QString& requestId, const NRpcResponse& reply);
+    void OnGetRoamingMode(bool success, const QString& requestId, const NRpcResponse& reply);
+    void OnSetRoamingMode(bool success, const QString& requestId, const NRpcResponse& reply);
     void onSendFile(const QVariantMap& arguments);
 
 private:
     void initDriveHandler();
     void initStorageHandlers();
+    void openFileImpl(const OpenArguments& arguments);
+    void uploadFolder(const QString& groupId, const QString& parentId, const QString& folder);
+    void uploadFileList(const QStringList& paths, const QString& groupId, const QString& parentId,
+                        const QString& fileId);
+    /** Watches every file below a folder. */
+    void collectFolderFiles(const QString& folder);
+    /** The folders that were not watched before. */
+    QStringList watchFolderDownloads(const QStringList& folderIds);
+    void endDownloadWatch();
+    /** Calls a function of the page that it gave a name of; nothing without a name. */
+    void callNamedCallback(const QString& callback, const QJsonObject& data);
+    /** What came of it, for the page. */
+    QString closeCooperation(const QVariantMap& arguments);
+    QString returnFromLocalDocument(const QString& fileId);
     static void setReplyStatus(NxWebViewJSContext& context, bool ok, const QString& message);
 
     QString m_uploadCallback;
@@ -147,4 +170,5 @@ private:
     NHelioDockPanelJsHandler* m_dockMessageHandler = nullptr;
     QString m_officeType;
     bool m_openCooperationResult = false;
+    std::unique_ptr<NVltCloudWidgets> m_cloudWidgets; //!< made when the first file is sent
 };

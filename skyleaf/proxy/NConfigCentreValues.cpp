@@ -20,6 +20,7 @@ constexpr int proxyResetItem = 60994;
 constexpr int protocolsItem = 64146;
 constexpr int preloadingItem = 59743;
 constexpr int openFrequencyItem = 55884;
+constexpr int parallelCloseItem = 54887;
 
 NFpccomb* centre()
 {
@@ -159,6 +160,13 @@ bool isSyncAssistOn()
 {
     static NReadOnce<bool> on(&readSyncAssist);
     return on();
+}
+
+bool isParallelCloseOn()
+{
+    static NReadOnce<bool> isOn(
+        [] { return item(parallelCloseItem).value(QLatin1String("parallelCloseCollaboration")).toBool(); });
+    return isOn();
 }
 
 bool areSupportedProtocolsOn()

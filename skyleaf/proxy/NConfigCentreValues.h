@@ -36,6 +36,8 @@ struct OpenFrequency
 OpenFrequency openFrequency();
 /** Whether a document that opens several ways is opened with the help of the sync module. */
 bool isSyncAssistOn();
+/** Whether collaborations may be closed in parallel. */
+bool isParallelCloseOn();
 
 // Read on every call.
 /** Whether links of the chat application's schemes are handed on. */
