@@ -25,7 +25,7 @@ TEST(TransferStates, RecordsBecomeItems)
     const Case cases[] = {
         {"0|g|p|/a|12|abc|77", "ok/t1",
          R"({"src":"/a","uploadTo":{"groupid":"g","parentid":"p"},"size":"12","taskId":"t1","sha1":"abc","fileid":"77"})"},
-        {"0|g|p|/a|12||", "fail/403/t1/9/w7_Cvz8-fiB2b2xs",
+        {"0|g|p|/a|12||", "fail/0/403/t1/9/w7_Cvz8-fiB2b2xs",
          R"({"src":"/a","uploadTo":{"groupid":"g","parentid":"p"},"size":"12","taskId":"t1","result":"Failed",
              "errorCode":"403","errorDetailCode":"9","msg":"ÿ¿?>~ voll"})"},
         {"|g||/a|||", "fail",
