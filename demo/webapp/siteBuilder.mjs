@@ -138,15 +138,17 @@ async function writePages(types, version, { early, files, urls }, out) {
   }
 }
 
-async function writeHome(out, version) {
-  const folder = path.join(out, 'static');
-  await mkdir(folder, { recursive: true });
-  const files = await bundles([entry('home/homePage.js', 'home'), entry('styles/home.css', 'home')], {});
-  const urls = await writeHashed(files, folder, '/static');
-  const template = await readFile(path.join(here, 'pages', 'home.html'), 'utf8');
-  const page = filled(template, { version, homeScript: urls['home.js'], homeStyle: urls['home.css'] });
-  await writeFile(path.join(out, 'home.html'), page);
-  await copyIcons(['w', 's', 'other'], folder);
+/** Pages beside the documents, with a script `src/<folder>/<name>Page.js` and a style `src/styles/<name>.css` each. */
+const sitePages = [{ name: 'home', folder: 'home' }, { name: 'interface', folder: 'interface' }];
+
+async function writeSitePage({ name, folder }, out, version) {
+  const target = path.join(out, 'static');
+  await mkdir(target, { recursive: true });
+  const files = await bundles([entry(`${folder}/${name}Page.js`, name), entry(`styles/${name}.css`, name)], {});
+  const urls = await writeHashed(files, target, '/static');
+  const template = await readFile(path.join(here, 'pages', `${name}.html`), 'utf8');
+  const names = { version, [`${name}Script`]: urls[`${name}.js`], [`${name}Style`]: urls[`${name}.css`] };
+  await writeFile(path.join(out, `${name}.html`), filled(template, names));
 }
 
 async function copyIcons(names, folder) {
@@ -169,13 +171,16 @@ export async function filesBelow(folder) {
  * @param {{out: string, version: string, types?: ReturnType<typeof officeTypes>}} options
  */
 export async function buildSite({ out, version, types = officeTypes() }) {
-  const owned = ['dist_langs', 'weboffice-static', 'static', 'home.html', 'version', 'sw.js'];
+  const pages = sitePages.map(({ name }) => `${name}.html`);
+  const owned = ['dist_langs', 'weboffice-static', 'static', ...pages, 'robots.txt', 'version', 'sw.js'];
   await Promise.all(owned.map((name) => rm(path.join(out, name), { recursive: true, force: true })));
   const scripts = path.join(out, scriptFolder);
   await mkdir(scripts, { recursive: true });
   const built = await buildScripts(types, version, scripts);
   await copyIcons([...new Set(types.map(({ code, hasEditor }) => (hasEditor ? code : 'other')))], scripts);
   await writePages(types, version, built, out);
-  await writeHome(out, version);
+  await Promise.all(sitePages.map((each) => writeSitePage(each, out, version)));
+  await copyIcons(['w', 's', 'other'], path.join(out, 'static'));
+  await writeFile(path.join(out, 'robots.txt'), 'User-agent: *\nDisallow: /\n');
   await writeFile(path.join(out, 'version'), `${version}\n`);
 }
