@@ -1,6 +1,7 @@
 #include "bridge/CheckNetworkContext.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "bridge/ShellAccess.h"
+#include "bridge/TransferStates.h"
 
 #include "base/NDomains.h"
 #include "zeolite/NCloudSvrProxy.h"
@@ -8,6 +9,7 @@
 #include "zeolite/NxWebViewJSContext.h"
 
 #include <QCoreApplication>
+#include <QJsonDocument>
 #include <QMessageBox>
 #include <QNetworkRequest>
 #include <QUrl>
@@ -92,6 +94,12 @@ void NHelioCloudDocsAsynJsObj::notifyLoginStatus()
                                         {QStringLiteral("logined"), isLoggedIn ? 1 : 0},
                                         {QStringLiteral("userid"), user.userId},
                                         {QStringLiteral("vltkey"), user.sessionKey}});
+}
+
+void NHelioCloudDocsAsynJsObj::callNamedCallback(const QString& callback, const QJsonObject& data)
+{
+    if (!callback.isEmpty())
+        callbackToJS(callback, onOneLine(QString::fromUtf8(QJsonDocument(data).toJson())), false);
 }
 
 void NHelioCloudDocsAsynJsObj::getRoamingMode(NxWebViewJSContext& context)

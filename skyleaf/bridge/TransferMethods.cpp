@@ -10,7 +10,6 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
-#include <QJsonDocument>
 #include <QPointer>
 
 // The script methods that move files between this machine and the drive.
@@ -191,13 +190,13 @@ void NHelioCloudDocsAsynJsObj::onGetUploadStateTimerTimeout()
 void NHelioCloudDocsAsynJsObj::onGetBatchUploadFileListState(bool, const QString&, const NRpcResponse& reply)
 {
     UploadWatch& watch = uploadWatch();
-    const QJsonObject report = watch.takeIn(m_uploadPaths, reply.values);
+    const QString report = watch.takeIn(m_uploadPaths, reply.values);
     if (!watch.isAnyActive()) {
         m_uploadStateTimer.stop();
         m_uploadPaths.clear();
         watch.forgetReported();
     }
-    callNamedCallback(m_uploadCallback, report);
+    callbackToJS(m_uploadCallback, report, false);
 }
 
 void NHelioCloudDocsAsynJsObj::callFileDownload(NxWebViewJSContext& context)
@@ -270,10 +269,4 @@ void NHelioCloudDocsAsynJsObj::endDownloadWatch()
     m_downloadStateTimer.stop();
     m_downloadTaskIds.clear();
     m_downloadDirIds.clear();
-}
-
-void NHelioCloudDocsAsynJsObj::callNamedCallback(const QString& callback, const QJsonObject& data)
-{
-    if (!callback.isEmpty())
-        callbackToJS(callback, onOneLine(QString::fromUtf8(QJsonDocument(data).toJson())), false);
 }

@@ -1,6 +1,7 @@
 #include "bridge/TransferStates.h"
 
 #include <QJsonArray>
+#include <QJsonDocument>
 #include <QStringList>
 #include <QVector>
 
@@ -29,12 +30,97 @@ std::optional<UploadState> stateOf(const QStringRef& word)
     return {};
 }
 
-QString failureText(const QString& encoded)
+QString failureText(const QStringRef& encoded)
 {
     const QString text =
         QString::fromUtf8(QByteArray::fromBase64(encoded.toLatin1().replace('-', '+').replace('_', '/')));
     return text.isEmpty() ? QStringLiteral("Failed to Upload") : text;
 }
+
+inline bool needsEscape(QChar c)
+{
+    return c < QLatin1Char(' ') || c == QLatin1Char('"') || c == QLatin1Char('\\') || c.isSurrogate();
+}
+
+void appendJsonText(QString& json, const QStringRef& text)
+{
+    if (std::any_of(text.begin(), text.end(), [](QChar c) { return needsEscape(c); })) {
+        const QByteArray list = QJsonDocument(QJsonArray{text.toString()}).toJson(QJsonDocument::Compact);
+        json += QString::fromUtf8(list.constData() + 1, list.size() - 2);
+        return;
+    }
+    json += QLatin1Char('"');
+    json += text;
+    json += QLatin1Char('"');
+}
+
+/** An item of a list of the report; its members are added in the order of their names. */
+class ItemText
+{
+public:
+    void add(const char* name, const QStringRef& value)
+    {
+        addName(name);
+        appendJsonText(m_json, value);
+    }
+    void add(const char* name, const QString& value) { add(name, QStringRef(&value)); }
+    void addZero(const char* name)
+    {
+        addName(name);
+        m_json += QLatin1Char('0');
+    }
+    /** Where it goes in the drive comes last. */
+    QString endWithPlace(const QStringRef& groupId, const QStringRef& parentId)
+    {
+        addName("uploadTo");
+        m_json += QLatin1String("{                \"groupid\": ");
+        appendJsonText(m_json, groupId);
+        m_json += QLatin1String(",                \"parentid\": ");
+        appendJsonText(m_json, parentId);
+        m_json += QLatin1String("            }        }");
+        return std::move(m_json);
+    }
+
+private:
+    void addName(const char* name)
+    {
+        m_json += QLatin1String(m_json.isEmpty() ? "        {            \"" : ",            \"");
+        m_json += QLatin1String(name);
+        m_json += QLatin1String("\": ");
+    }
+
+    static QString withRoom()
+    {
+        constexpr int usualLength = 512;
+        QString json;
+        json.reserve(usualLength);
+        return json;
+    }
+
+    QString m_json = withRoom();
+};
+
+/** A list of items with its name. */
+class ListText
+{
+public:
+    explicit ListText(const char* name)
+        : m_json(QStringLiteral("    \"%1\": [").arg(QLatin1String(name)))
+    {
+    }
+    void add(const QString& item)
+    {
+        if (m_hasItems)
+            m_json += QLatin1Char(',');
+        m_json += item;
+        m_hasItems = true;
+    }
+    QString end() { return m_json + QStringLiteral("    ]"); }
+
+private:
+    QString m_json;
+    bool m_hasItems = false;
+};
 
 } // namespace
 
@@ -50,47 +136,47 @@ std::optional<UploadItem> uploadItem(const QMap<QString, QString>& records, cons
     if (!state)
         return {};
 
-    const auto detail = [&](int field) { return details.value(field).toString(); };
-    QJsonObject report{
-        {QStringLiteral("src"), fields[3].toString()},
-        {QStringLiteral("uploadTo"), QJsonObject{{QStringLiteral("groupid"), fields[1].toString()},
-                                                 {QStringLiteral("parentid"), fields[2].toString()}}},
-        {QStringLiteral("size"), fields[4].toString()}};
+    const auto detail = [&](int field) { return details.value(field); };
+    ItemText item;
+    int taskField = 1;
     switch (*state) {
     case UploadState::Done:
-        report.insert(QStringLiteral("taskId"), detail(1));
-        report.insert(QStringLiteral("sha1"), fields[5].toString());
-        report.insert(QStringLiteral("fileid"), fields[6].toString());
+        item.add("fileid", fields[6]);
+        item.add("sha1", fields[5]);
         break;
-    case UploadState::Failed:
-        report.insert(QStringLiteral("taskId"), detail(3));
-        report.insert(QStringLiteral("result"), QStringLiteral("Failed"));
-        report.insert(QStringLiteral("msg"), failureText(detail(5)));
-        report.insert(QStringLiteral("errorCode"), detail(2));
-        report.insert(QStringLiteral("errorDetailCode"), detail(4));
-        break;
-    case UploadState::Stopped:
-        report.insert(QStringLiteral("taskId"), detail(1));
-        report.insert(QStringLiteral("result"), QStringLiteral("Stop"));
-        report.insert(QStringLiteral("msg"), QStringLiteral("Stop to Uoload"));
-        break;
-    case UploadState::Uploading:
-        report.insert(QStringLiteral("taskId"), detail(2));
-        report.insert(QStringLiteral("percent"), detail(1));
-        break;
-    case UploadState::Queued:
-        report.insert(QStringLiteral("taskId"), detail(2));
-        report.insert(QStringLiteral("percent"), 0);
+    case UploadState::Failed: {
+        const QString message = failureText(detail(5));
+        item.add("errorCode", detail(2));
+        item.add("errorDetailCode", detail(4));
+        item.add("msg", message);
+        item.add("result", QStringLiteral("Failed"));
+        taskField = 3;
         break;
     }
-    return UploadItem{*state, std::move(report)};
+    case UploadState::Stopped:
+        item.add("msg", QStringLiteral("Stop to Uoload"));
+        item.add("result", QStringLiteral("Stop"));
+        break;
+    case UploadState::Uploading:
+        item.add("percent", detail(1));
+        taskField = 2;
+        break;
+    case UploadState::Queued:
+        item.addZero("percent");
+        taskField = 2;
+        break;
+    }
+    item.add("size", fields[4]);
+    item.add("src", fields[3]);
+    item.add("taskId", detail(taskField));
+    return UploadItem{*state, item.endWithPlace(fields[1], fields[2])};
 }
 
-QJsonObject UploadWatch::takeIn(const QSet<QString>& paths, const QMap<QString, QString>& records)
+QString UploadWatch::takeIn(const QSet<QString>& paths, const QMap<QString, QString>& records)
 {
-    QJsonArray queued;
-    QJsonArray failed;
-    QJsonArray success;
+    ListText queued("queued");
+    ListText failed("failed");
+    ListText success("success");
     for (const QString& path : paths) {
         const std::optional<UploadItem> item = uploadItem(records, path);
         if (!item)
@@ -98,29 +184,27 @@ QJsonObject UploadWatch::takeIn(const QSet<QString>& paths, const QMap<QString, 
         switch (item->state) {
         case UploadState::Done:
             if (!m_reported.contains(path)) {
-                success.append(item->report);
+                success.add(item->report);
                 m_reported.insert(path);
             }
             m_active.remove(path);
             break;
         case UploadState::Failed:
-            failed.append(item->report);
+            failed.add(item->report);
             m_active.remove(path);
             break;
         case UploadState::Stopped:
-            failed.append(item->report);
+            failed.add(item->report);
             break;
         case UploadState::Uploading:
         case UploadState::Queued:
-            queued.append(item->report);
+            queued.add(item->report);
             m_active.insert(path);
             break;
         }
     }
-    QJsonObject report{{QStringLiteral("failed"), failed}, {QStringLiteral("success"), success}};
-    if (isAnyActive())
-        report.insert(QStringLiteral("queued"), queued);
-    return report;
+    const QString middle = isAnyActive() ? queued.end() + QLatin1Char(',') : QString();
+    return QLatin1Char('{') + failed.end() + QLatin1Char(',') + middle + success.end() + QLatin1Char('}');
 }
 
 DownloadState DownloadState::parse(const QString& text)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QMap>
 #include <QSet>
 #include <QString>
@@ -20,7 +19,7 @@ enum class UploadState { Done, Failed, Stopped, Uploading, Queued };
 struct UploadItem
 {
     UploadState state;
-    QJsonObject report; //!< what the web application gets of it
+    QString report; //!< JSON object: what the web application gets of it
 };
 
 /** The item of a path; nothing when its records are missing, too short or of an unknown state. */
@@ -30,9 +29,11 @@ std::optional<UploadItem> uploadItem(const QMap<QString, QString>& records, cons
 class UploadWatch
 {
 public:
-    /** Takes in what the service says of the paths. The report: "queued" while any is under way, "failed",
-     * "success". */
-    QJsonObject takeIn(const QSet<QString>& paths, const QMap<QString, QString>& records);
+    /**
+     * Takes in what the service says of the paths. The report is a JSON object of lists: "queued" while any
+     * is under way, "failed", "success".
+     */
+    QString takeIn(const QSet<QString>& paths, const QMap<QString, QString>& records);
     bool isAnyActive() const { return !m_active.isEmpty(); }
     /** Forgets which uploads were reported as finished. */
     void forgetReported() { m_reported.clear(); }

@@ -1,0 +1,62 @@
+"""Every script method of the bridge and its handlers, called from a page of the site."""
+
+import json
+import os
+import unittest
+
+from e2e_case import BUILD
+from local_packages import installed_packages
+from package_case import PackageCase
+
+INTERFACE_PAGE = "/interface.html"
+
+
+class ScriptInterfaceTest(PackageCase):
+    def start(self):
+        data = os.path.join(self.packages, "data")
+        self.dropped = os.path.join(self.packages, "dropped.txt")
+        with open(self.dropped, "w", encoding="utf-8") as file:
+            file.write("dropped")
+        members = {"user": {"loggedIn": True, "userId": "u", "sessionKey": "k", "localDataDir": data,
+                            "cacheRoot": os.path.join(self.packages, "cache")},
+                   "features": {"SupportSendFileWindow": True}}
+        return self.start_with(installed_packages(BUILD), members)
+
+    def open_interface(self, shell):
+        page = self.create(shell)
+        since = shell.mark()
+        shell.call("page.notify", page=page, text=self.server.url(INTERFACE_PAGE))
+        shell.call("page.load", page=page)
+        shell.wait_for_page(page, "loadFinished", timeout=60, since=since)
+        shell.evaluate(page, "window.helioInterface.env.droppedFile = %s" % json.dumps(self.dropped))
+        return page
+
+    def test_every_call_comes_back_as_the_table_says(self):
+        shell = self.start()
+        page = self.open_interface(shell)
+        rows = shell.evaluate(page, "return await window.helioInterface.runAll()", timeout=120)
+        wrong = ["%s %s: %s" % (row["name"], json.dumps(row["arguments"])[:100], row["problem"]) for row in rows if row["problem"]]
+        self.assertGreater(len(rows), 70)
+        self.assertEqual([], wrong, "\n".join(wrong))
+
+    def test_calls_that_end_the_page_do_so(self):
+        shell = self.start()
+        outcomes = {"jsReload": "loadFinished", "jsReloadCef": "loadFinished", "closeDialog": "closed", "tavaLogout": "", "tavaLogin": "",
+                    "gotoH5Page": "", "shareFile": "", "showVipUpgradeDialog": "", "showUserSecureIdentityDialog": "",
+                    "showOfflinePage": "", "gotoHomepage": ""}
+        page = self.open_interface(shell)
+        ending = {call["name"]: call["id"] for call in shell.evaluate(page, "return window.helioInterface.calls") if call["ends"]}
+        self.assertEqual(set(ending), set(outcomes))
+        for name, expected in outcomes.items():
+            page = self.open_interface(shell)
+            since = shell.mark()
+            shell.evaluate(page, "window.helioInterface.run(%d); return true" % ending[name])
+            if expected:
+                shell.wait_for_page(page, expected, timeout=30, since=since)
+            else:
+                # The shell answers on: a window that waits does not hold it up.
+                self.assertIn(page, [each["page"] for window in shell.call("shell.state")["windows"] for each in window["pages"]], name)
+
+
+if __name__ == "__main__":
+    unittest.main()
