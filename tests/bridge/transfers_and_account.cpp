@@ -16,6 +16,7 @@ using ScriptMethods = BridgeFixture;
 
 TEST_F(ScriptMethods, UploadRecordsBecomeItems)
 {
+    start();
     struct Case
     {
         const char* result;
