@@ -2,10 +2,12 @@
 
 #include "nheliostat/NHelioCommonJSAPI.h"
 #include "nheliostat/framework/ApplicationInstance.h"
+#include "nheliostat/framework/CloudToLocalSteps.h"
 #include "nheliostat/framework/ShellAccount.h"
 #include "nheliostat/framework/ShellCentralArea.h"
 #include "nheliostat/framework/ShellCloudSvrProxy.h"
 #include "nheliostat/framework/ShellMainWindow.h"
+#include "nheliostat/framework/ShellPageMoves.h"
 
 #include <QCoreApplication>
 
@@ -21,16 +23,22 @@ constexpr int documentsPageType = 1;
 ShellApplication::ShellApplication(const Setup& setup, QObject* parent)
     : NHelioApplication(parent)
     , m_translators(setup.translationsDir)
+    , m_documentPageItem(setup.offersSystemPrograms)
     , m_cloudSvrProxy(new ShellCloudSvrProxy(setup.user, setup.cloudService, this))
     , m_account(new ShellAccount(*m_cloudSvrProxy, this))
     , m_scriptIpcEventHub(new QObject(this))
     , m_skin(setup.dark)
+    , m_cloudFilesMgr(*this)
+    , m_pageMoves(std::make_unique<ShellPageMoves>([this] { return openMainWindow(); }))
     , m_discardTimer(this)
 {
     nheliostat::host::setApplication(this);
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &ShellApplication::announceQuit);
     setNewPageHandler({});
+    // Add-ons find the collector by this name.
+    setProperty("CooperateInfoCollectCloudToLocal",
+                QVariant::fromValue<QObject*>(new CloudToLocalSteps(this)));
     m_discardTimer.setObjectName(QStringLiteral("discardTimer"));
     connect(&m_discardTimer, &QTimer::timeout, this, &ShellApplication::releaseInactivePages);
     if (setup.discardCheckSeconds > 0)
@@ -40,6 +48,7 @@ ShellApplication::ShellApplication(const Setup& setup, QObject* parent)
 ShellApplication::~ShellApplication()
 {
     announceQuit();
+    m_pageMoves.reset();
     for (const QPointer<ShellMainWindow>& window : std::exchange(m_windows, {}))
         delete window;
     nheliostat::host::setApplication(nullptr);
@@ -55,6 +64,7 @@ ShellMainWindow* ShellApplication::openMainWindow()
     connect(&window->area(), &ShellCentralArea::pageRemoved, this, &ShellApplication::pageRemoved);
     connect(&window->area(), &ShellCentralArea::currentPageChanged, this,
             &ShellApplication::currentPageChanged);
+    m_pageMoves->watch(*window);
     connect(window, &ShellMainWindow::newPageRequested, this, [this, window] { m_newPageHandler(*window); });
     return window;
 }
@@ -167,11 +177,13 @@ ShellMainWindow* ShellApplication::firstWindow() const
 
 NHelioMainWindow* ShellApplication::findRelativeHelioMainWindow(const QObject* object) const
 {
+    const QObject* outermost = nullptr;
     for (const QObject* holder = object; holder; holder = holder->parent()) {
         if (const auto* window = qobject_cast<const NHelioMainWindow*>(holder))
             return const_cast<NHelioMainWindow*>(window);
+        outermost = holder;
     }
-    return nullptr;
+    return m_pageMoves ? m_pageMoves->windowOf(outermost) : nullptr;
 }
 
 NHelioCloudSvrProxy* ShellApplication::cloudSvrProxy() const

@@ -2,8 +2,10 @@
 
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioCloudSvrProxy.h"
+#include "nheliostat/documents/LocalDocumentPageItem.h"
 #include "nheliostat/framework/PluginTranslators.h"
 #include "nheliostat/framework/ShellBrowserPageItem.h"
+#include "nheliostat/framework/ShellCloudFilesMgr.h"
 #include "nheliostat/framework/ShellCloudService.h"
 #include "nheliostat/framework/ShellCollectInfoMgr.h"
 #include "nheliostat/framework/ShellSkin.h"
@@ -12,12 +14,14 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 class NHelioAppPage;
 class NHelioCommonJSAPI;
 class ShellAccount;
 class ShellCloudSvrProxy;
 class ShellMainWindow;
+class ShellPageMoves;
 
 /**
  * The shell: its windows, user and looks. There is one; NHelioApplication::instance() answers it while it
@@ -31,8 +35,9 @@ public:
     {
         NHelioUserInfo user;
         bool dark = false;
-        QString translationsDir;      //!< of "<name>_<locale>.qm" files; may be empty
-        int discardCheckSeconds = 60; //!< how often inactive pages may be released; 0 for never
+        QString translationsDir;          //!< of "<name>_<locale>.qm" files; may be empty
+        bool offersSystemPrograms = true; //!< whether files may be handed to programs of the system
+        int discardCheckSeconds = 60;     //!< how often inactive pages may be released; 0 for never
         ShellCloudService cloudService;
     };
     /** What a window's "new page" does. */
@@ -56,15 +61,17 @@ public:
     void setDark(bool dark);
     ShellCollectInfoMgr& collectInfo() { return m_collectInfo; }
     ShellCloudSvrProxy& cloudService() { return *m_cloudSvrProxy; }
+    ShellPageMoves& pageMoves() { return *m_pageMoves; }
     /** Releases the inactive pages of all windows that can be; also runs every discardCheckSeconds. */
     void releaseInactivePages();
     /** Lets a script object of a page reach the shell; script objects call it themselves. */
     void serveScriptObject(NHelioCommonJSAPI& scriptObject);
 
     QVector<NHelioMainWindow*> mainWindows() const override;
+    /** A page that is kept aside, and what is in it, belongs to the window that it comes back to. */
     NHelioMainWindow* findRelativeHelioMainWindow(const QObject* object) const override;
     NHelioCloudSvrProxy* cloudSvrProxy() const override;
-    NHelioCloudFilesMgr* cloudFilesMgr() const override { return nullptr; }
+    NHelioCloudFilesMgr* cloudFilesMgr() const override { return &m_cloudFilesMgr; }
     NHelioCloudCollectInfoMgr* getCloudCollectInfoMgr() const override { return &m_collectInfo; }
     NHelioSkin* helioSkin() const override { return &m_skin; }
     NHelioAccount* account() const override;
@@ -90,11 +97,14 @@ private:
 
     PluginTranslators m_translators;
     ShellBrowserPageItem m_browserPageItem;
+    LocalDocumentPageItem m_documentPageItem;
     ShellCloudSvrProxy* m_cloudSvrProxy;
     ShellAccount* m_account;
     QObject* m_scriptIpcEventHub;
     mutable ShellSkin m_skin;
     mutable ShellCollectInfoMgr m_collectInfo;
+    mutable ShellCloudFilesMgr m_cloudFilesMgr;
+    std::unique_ptr<ShellPageMoves> m_pageMoves;
     NewPageHandler m_newPageHandler;
     QVector<QPointer<ShellMainWindow>> m_windows;
     QTimer m_discardTimer;

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -126,10 +127,17 @@ void ShellCentralArea::removePage(NHelioAppPage* page)
 {
     if (!m_pages.contains(page))
         return;
+    m_vacancy = {page, m_pages.indexOf(page)};
     stopWatching(page);
     m_stack->removeWidget(page);
     page->setParent(nullptr);
     forget(page);
+}
+
+ShellCentralArea::Vacancy ShellCentralArea::takeVacancy()
+{
+    const Vacancy vacancy = std::exchange(m_vacancy, {});
+    return vacancy.page && !vacancy.page->parent() ? vacancy : Vacancy();
 }
 
 void ShellCentralArea::forget(NHelioAppPage* page)

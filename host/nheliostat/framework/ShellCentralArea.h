@@ -31,6 +31,15 @@ public:
     /** Does nothing for a page of another window. */
     void setCurrentPage(NHelioAppPage* page) override;
 
+    /** A page that was taken out, and where it stood. */
+    struct Vacancy
+    {
+        QPointer<NHelioAppPage> page;
+        int index = -1; //!< -1 for none
+    };
+    /** What removePage took out last, unless the page stands somewhere again; asked for once. */
+    Vacancy takeVacancy();
+
     /** Changes the order; indexes outside the range change nothing. */
     void movePage(int from, int to);
     /** Makes the page that stands `step` places behind the current one current, round and round. */
@@ -63,6 +72,7 @@ private:
     ShellEmptyState* m_emptyState;
     QVector<NHelioAppPage*> m_pages;
     NHelioAppPage* m_current = nullptr;
+    Vacancy m_vacancy;
     QSet<const NHelioAppPage*> m_releasedSinceShown;
     QSet<const QObject*> m_beingAskedToClose;
 };

@@ -2,7 +2,6 @@
 
 #include "zeolite/NxLoggerLite.h"
 
-#include <QPointer>
 #include <QUuid>
 
 #include "tava/TavaIpc_types.h"
@@ -21,6 +20,13 @@ QString newRequestId()
     return QUuid::createUuid().toString(QUuid::Id128);
 }
 
+void deliverIpcResult(const SlotReply& reply, const QString& what, bool success, const CallResult& result)
+{
+    if (!success)
+        NxLoggerLite::writeWarning(logTag, QStringLiteral("vltcloudsvr did not answer %1").arg(what));
+    reply.deliver(success, "TavaIpcResult", TavaIpcResult{static_cast<int>(result.code), result.values});
+}
+
 } // namespace
 
 ShellCloudSvrProxy::ShellCloudSvrProxy(NHelioUserInfo user, const ShellCloudService& service, QObject* parent)
@@ -32,7 +38,7 @@ ShellCloudSvrProxy::ShellCloudSvrProxy(NHelioUserInfo user, const ShellCloudServ
 {
     connect(&m_client, &CloudServiceClient::serviceStarted, this, &ShellCloudSvrProxy::onServiceStarted);
     connect(&m_client, &CloudServiceClient::serviceLost, this, &ShellCloudSvrProxy::onServiceLost);
-    connect(&m_client, &CloudServiceClient::eventHappened, this, &ShellCloudSvrProxy::serviceEvent);
+    connect(&m_client, &CloudServiceClient::eventHappened, this, &ShellCloudSvrProxy::onServiceEvent);
 }
 
 ShellCloudSvrProxy::~ShellCloudSvrProxy() = default;
@@ -92,47 +98,55 @@ QString ShellCloudSvrProxy::unzipDOPFile(const QString& localId, const QString& 
 QString ShellCloudSvrProxy::invokeCloudFunction(const QString& function, QGenericArgument argument,
                                                 QObject* receiver, const char* slot)
 {
-    const QString requestId = newRequestId();
-    const CloudServiceClient::Reply reply = replyTo(requestId, function, receiver, slot);
-    if (function == QLatin1String("tavaIpcCall") && argument.name() && argument.data() &&
-        std::strcmp(argument.name(), "TavaIpcArg") == 0) {
-        m_client.tavaIpcCall(caller(), *static_cast<const vlt::tava::TavaIpcArg*>(argument.data()), reply);
+    const auto isOf = [&argument](const char* type) {
+        return argument.name() && argument.data() && std::strcmp(argument.name(), type) == 0;
+    };
+    if (function != QLatin1String("tavaIpcCall") && isOf("QStringList"))
+        return callGeneric(function, *static_cast<const QStringList*>(argument.data()), receiver, slot);
+
+    const SlotReply reply(newRequestId(), receiver, slot);
+    if (function != QLatin1String("tavaIpcCall")) {
+        const auto answer = [reply] { reply.deliver(false, "NRpcResponse", NRpcResponse()); };
+        QMetaObject::invokeMethod(this, answer, Qt::QueuedConnection);
+    } else if (isOf("TavaIpcArg")) {
+        m_client.tavaIpcCall(caller(), *static_cast<const vlt::tava::TavaIpcArg*>(argument.data()),
+                             [reply, function](bool success, const CallResult& result) {
+                                 deliverIpcResult(reply, function, success, result);
+                             });
     } else {
         const auto answer = [reply] {
-            reply(true,
-                  failure(ResultCode::UnsupportedFunction, QStringLiteral("there is no such function")));
+            const CallResult unknown =
+                failure(ResultCode::UnsupportedFunction, QStringLiteral("there is no such function"));
+            reply.deliver(true, "TavaIpcResult", TavaIpcResult{int(unknown.code), unknown.values});
         };
         QMetaObject::invokeMethod(this, answer, Qt::QueuedConnection);
     }
-    return requestId;
+    return reply.requestId();
 }
 
-QString ShellCloudSvrProxy::call(QLatin1String function, const QMap<QString, QString>& arguments,
-                                 QObject* receiver, const char* slot)
+QString ShellCloudSvrProxy::call(QLatin1String function, const Values& arguments, QObject* receiver,
+                                 const char* slot)
 {
-    const QString requestId = newRequestId();
-    m_client.call(caller(), function, arguments, replyTo(requestId, function, receiver, slot));
-    return requestId;
+    const SlotReply reply(newRequestId(), receiver, slot);
+    return callTyped(
+        function, arguments,
+        [reply, name = QString(function)](bool success, const CallResult& result) {
+            deliverIpcResult(reply, name, success, result);
+        },
+        reply.requestId());
 }
 
-CloudServiceClient::Reply ShellCloudSvrProxy::replyTo(const QString& requestId, const QString& what,
-                                                      QObject* receiver, const char* slot) const
+QString ShellCloudSvrProxy::callTyped(const QString& function, const Values& arguments, const Reply& reply,
+                                      const QString& requestId)
 {
-    return [requestId, what, guarded = QPointer<QObject>(receiver),
-            name = QByteArray(slot)](bool success, const CallResult& result) {
-        if (!success)
-            NxLoggerLite::writeWarning(logTag, QStringLiteral("vltcloudsvr did not answer %1").arg(what));
-        if (!guarded || name.isEmpty())
-            return;
-        const TavaIpcResult told{static_cast<int>(result.code), result.values};
-        QMetaObject::invokeMethod(guarded, name.constData(), Q_ARG(bool, success), Q_ARG(QString, requestId),
-                                  Q_ARG(TavaIpcResult, told));
-    };
+    m_client.call(caller(), function, arguments, reply);
+    return requestId;
 }
 
 Caller ShellCloudSvrProxy::caller() const
 {
-    return {m_user.loggedIn ? m_user.userId : QString(), m_user.localDataDir, m_apiUrl, m_resolve};
+    return {m_user.loggedIn ? m_user.userId : QString(), m_user.localDataDir, m_apiUrl, m_resolve,
+            m_user.loggedIn ? m_user.cookies : QString()};
 }
 
 void ShellCloudSvrProxy::onServiceStarted()
@@ -145,4 +159,5 @@ void ShellCloudSvrProxy::onServiceLost()
 {
     m_hasLostService = true;
     NxLoggerLite::writeWarning(logTag, QStringLiteral("vltcloudsvr ended; the next call starts it again"));
+    resumeTransfers();
 }

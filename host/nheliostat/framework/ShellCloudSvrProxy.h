@@ -2,8 +2,12 @@
 
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/framework/ShellCloudService.h"
+#include "nheliostat/framework/SlotReply.h"
+#include "vltcloudsvr/common/Transfers.h"
 
 #include <QStringList>
+
+#include <functional>
 
 class ICloudWindows;
 
@@ -12,8 +16,9 @@ class ICloudWindows;
  * in the records are those of no user.
  *
  * `invokeCloudFunction` knows the function "tavaIpcCall" with an argument named "TavaIpcArg" (a
- * vlt::tava::TavaIpcArg); any other function or argument is answered with success and code 6, without the
- * service.
+ * vlt::tava::TavaIpcArg), and any function of the service with an argument named "QStringList", whose texts
+ * become its arguments by position. "tavaIpcCall" with another argument is answered with success and code 6,
+ * any other function with another argument, or one that the service does not know, without success.
  */
 class ShellCloudSvrProxy final : public NHelioCloudSvrProxy
 {
@@ -53,6 +58,17 @@ public:
     QString callCloudMethod(const QString& method, const QStringList& arguments, QObject* receiver,
                             const char* slot) override;
 
+    // What windows of transfers show and offer; see vltcloudsvr/common/Transfers.h.
+    using OnTransfers = std::function<void(bool success, const vlt::cloudsvr::TransferList&)>;
+    /** At most `largestTransferPage` rows; answered at a later turn of the event loop. */
+    void listTransfers(vlt::cloudsvr::TransferDirection direction, int offset, int count, OnTransfers reply);
+    /** Each stops; a stopped one can be tried again and then begins anew. */
+    void cancelTransfers(const QStringList& ids);
+    /** Failed and stopped ones are queued again; a failed one goes on where it stood. */
+    void retryTransfers(const QStringList& ids);
+    /** Forgets those that are finished, failed or stopped. */
+    void clearFinishedTransfers(vlt::cloudsvr::TransferDirection direction);
+
     void showFileUploadProgress(QWidget* parent) override;
     void showFileDownloadProgress(QWidget* parent) override;
     void showLoginPrompt(QWidget* parent, const QString& reason, const QString& source) override;
@@ -72,20 +88,32 @@ public:
 Q_SIGNALS:
     /** The service tells of something, see vlt::cloudsvr::names; again after it was started again. */
     void serviceEvent(const QString& name, const QMap<QString, QString>& values);
+    /** Transfers began, moved on or ended; about four times a second at most. */
+    void transfersChanged();
 
 private:
-    QString call(QLatin1String function, const QMap<QString, QString>& arguments, QObject* receiver,
-                 const char* slot);
-    vlt::cloudsvr::CloudServiceClient::Reply replyTo(const QString& requestId, const QString& what,
-                                                     QObject* receiver, const char* slot) const;
+    using Reply = vlt::cloudsvr::CloudServiceClient::Reply;
+    using Values = QMap<QString, QString>;
+
+    QString call(QLatin1String function, const Values& arguments, QObject* receiver, const char* slot);
+    /** For slots that take something else than a TavaIpcResult. */
+    QString callTyped(const QString& function, const Values& arguments, const Reply& reply,
+                      const QString& requestId);
+    QString callGeneric(const QString& function, const QStringList& arguments, QObject* receiver,
+                        const char* slot);
+    void order(QLatin1String function, const QString& argument);
     vlt::cloudsvr::Caller caller() const;
     void onServiceStarted();
     void onServiceLost();
+    void onServiceEvent(const QString& name, const Values& values);
+    void resumeTransfers();
 
     NHelioUserInfo m_user;
     const QString m_apiUrl;
     const QMap<QString, QString> m_resolve;
     ICloudWindows* m_windows = nullptr;
     bool m_hasLostService = false;
+    bool m_hasActiveTransfers = false;
+    int m_resumptions = 0; //!< since transfers last came to an end
     vlt::cloudsvr::CloudServiceClient m_client;
 };

@@ -1,31 +1,178 @@
 #include "nheliostat/framework/ShellCloudSvrProxy.h"
 
-QString ShellCloudSvrProxy::folderUpload(const QString&, const QString&, const QString&, QObject*,
-                                         const char*, const QString&)
+#include "zeolite/NxLoggerLite.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTimer>
+#include <QUuid>
+
+using namespace vlt::cloudsvr;
+
+namespace {
+
+constexpr int resumeMs = 500;
+constexpr int mostResumptions = 5;
+
+QString newRequestId()
 {
-    return {};
+    return QUuid::createUuid().toString(QUuid::Id128);
 }
 
-QString ShellCloudSvrProxy::batchUploadFileListToAnyExistedPath(const QString&, const QString&,
-                                                                const QStringList&, const QString&, bool,
-                                                                QObject*, const char*, const QString&)
+/** Whether the call did what it was to do; says so when it did not. */
+bool isDone(const QString& what, bool success, const CallResult& result)
 {
-    return {};
+    if (success && result.code == ResultCode::Ok)
+        return true;
+    NxLoggerLite::writeWarning(QStringLiteral("shell"),
+                               success ? QStringLiteral("vltcloudsvr refused %1: %2")
+                                             .arg(what, result.values.value(QStringLiteral("error")))
+                                       : QStringLiteral("vltcloudsvr did not answer %1").arg(what));
+    return false;
 }
 
-QString ShellCloudSvrProxy::downloadDir(const QString&, const QStringList&, const QString&, QObject*,
-                                        const QString&)
+} // namespace
+
+QString ShellCloudSvrProxy::folderUpload(const QString& groupId, const QString& parentId,
+                                         const QString& localFolder, QObject* receiver, const char* slot,
+                                         const QString& option)
 {
-    return {};
+    Q_UNUSED(option)
+    const SlotReply reply(newRequestId(), receiver, slot);
+    return callTyped(
+        names::folderUpload,
+        {{QStringLiteral("groupid"), groupId},
+         {QStringLiteral("parentid"), parentId},
+         {QStringLiteral("path"), localFolder}},
+        [reply](bool success, const CallResult& result) {
+            reply.deliver(isDone(names::folderUpload, success, result), "stringMap", result.values);
+        },
+        reply.requestId());
 }
 
-QString ShellCloudSvrProxy::downloadCloudFiles(const QStringList&, const QString&, const QString&, QObject*,
-                                               const char*)
+QString ShellCloudSvrProxy::batchUploadFileListToAnyExistedPath(
+    const QString& groupId, const QString& parentId, const QStringList& paths, const QString& fileId,
+    bool keepsPaths, QObject* receiver, const char* slot, const QString& option)
 {
-    return {};
+    Q_UNUSED(keepsPaths)
+    Q_UNUSED(option)
+    const SlotReply reply(newRequestId(), receiver, slot);
+    const QByteArray list = QJsonDocument(QJsonArray::fromStringList(paths)).toJson(QJsonDocument::Compact);
+    return callTyped(
+        names::uploadFiles,
+        {{QStringLiteral("groupid"), groupId},
+         {QStringLiteral("parentid"), parentId},
+         {QStringLiteral("paths"), QString::fromUtf8(list)},
+         {QStringLiteral("fileid"), fileId}},
+        [reply](bool success, const CallResult& result) {
+            reply.deliver(isDone(names::uploadFiles, success, result), "stringMap", result.values);
+        },
+        reply.requestId());
 }
 
-QString ShellCloudSvrProxy::callCloudMethod(const QString&, const QStringList&, QObject*, const char*)
+QString ShellCloudSvrProxy::downloadDir(const QString& groupId, const QStringList& folderIds,
+                                        const QString& localDirectory, QObject* receiver,
+                                        const QString& option)
 {
-    return {};
+    Q_UNUSED(receiver)
+    Q_UNUSED(option)
+    return callTyped(
+        names::downloadDir,
+        {{QStringLiteral("groupid"), groupId},
+         {QStringLiteral("folderids"), folderIds.join(u'|')},
+         {QStringLiteral("directory"), localDirectory}},
+        [](bool success, const CallResult& result) { isDone(names::downloadDir, success, result); },
+        newRequestId());
+}
+
+QString ShellCloudSvrProxy::downloadCloudFiles(const QStringList& fileIds, const QString& localDirectory,
+                                               const QString& historyId, QObject* receiver, const char* slot)
+{
+    const SlotReply reply(newRequestId(), receiver, slot);
+    const auto deliver = [reply](bool success, const CallResult& result) {
+        DownloadCloudFilesResult told;
+        const QString joined = result.values.value(QStringLiteral("taskids"));
+        for (const QString& id : joined.split(u'|', Qt::SkipEmptyParts))
+            told.taskIds.append(id.toUtf8());
+        reply.deliver(isDone(names::downloadFiles, success, result), "DownloadCloudFilesResult", told);
+    };
+    return callTyped(names::downloadFiles,
+                     {{QStringLiteral("fileids"), fileIds.join(u'|')},
+                      {QStringLiteral("directory"), localDirectory},
+                      {QStringLiteral("historyid"), historyId}},
+                     deliver, reply.requestId());
+}
+
+QString ShellCloudSvrProxy::callCloudMethod(const QString& method, const QStringList& arguments,
+                                            QObject* receiver, const char* slot)
+{
+    return callGeneric(method, arguments, receiver, slot);
+}
+
+QString ShellCloudSvrProxy::callGeneric(const QString& function, const QStringList& arguments,
+                                        QObject* receiver, const char* slot)
+{
+    const SlotReply reply(newRequestId(), receiver, slot);
+    Values values;
+    for (int i = 0; i < arguments.size(); ++i)
+        values.insert(positionKey(i), arguments[i]);
+    return callTyped(
+        function, values,
+        [reply, function](bool success, const CallResult& result) {
+            const bool isWell = isDone(function, success, result);
+            reply.deliver(isWell, "NRpcResponse", isWell ? NRpcResponse{result.values} : NRpcResponse());
+        },
+        reply.requestId());
+}
+
+void ShellCloudSvrProxy::listTransfers(TransferDirection direction, int offset, int count, OnTransfers reply)
+{
+    const auto deliver = [reply = std::move(reply)](bool success, const CallResult& result) {
+        const bool isWell = isDone(names::listTransfers, success, result);
+        reply(isWell, isWell ? TransferList::fromValues(result.values) : TransferList());
+    };
+    callTyped(names::listTransfers,
+              {{QStringLiteral("direction"), toText(direction)},
+               {QStringLiteral("offset"), QString::number(offset)},
+               {QStringLiteral("count"), QString::number(count)}},
+              deliver, {});
+}
+
+void ShellCloudSvrProxy::order(QLatin1String function, const QString& argument)
+{
+    callTyped(function, {{positionKey(0), argument}},
+              [function](bool success, const CallResult& result) { isDone(function, success, result); }, {});
+}
+
+void ShellCloudSvrProxy::cancelTransfers(const QStringList& ids)
+{
+    order(names::cancelTransfers, ids.join(u'|'));
+}
+
+void ShellCloudSvrProxy::retryTransfers(const QStringList& ids)
+{
+    order(names::retryTransfers, ids.join(u'|'));
+}
+
+void ShellCloudSvrProxy::clearFinishedTransfers(TransferDirection direction)
+{
+    order(names::clearFinishedTransfers, toText(direction));
+}
+
+void ShellCloudSvrProxy::onServiceEvent(const QString& name, const Values& values)
+{
+    if (name == names::transfersChanged) {
+        m_hasActiveTransfers = values.value(QStringLiteral("active")) == QLatin1String("1");
+        if (!m_hasActiveTransfers)
+            m_resumptions = 0;
+        Q_EMIT transfersChanged();
+    }
+    Q_EMIT serviceEvent(name, values);
+}
+
+void ShellCloudSvrProxy::resumeTransfers()
+{
+    // Any call starts the service and makes it go on; one that dies again and again is left alone.
+    if (m_hasActiveTransfers && m_resumptions++ < mostResumptions)
+        QTimer::singleShot(resumeMs, this, [this] { callGeneric(names::getRoamingMode, {}, nullptr, ""); });
 }

@@ -9,23 +9,19 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QShortcut>
-#include <QVBoxLayout>
 
 ShellMainWindow::ShellMainWindow(QWidget* parent)
     : NHelioMainWindow(parent)
     , m_area(new ShellCentralArea)
     , m_tabBar(new ShellTabBar(*m_area))
     , m_headerBar(new ShellHeaderBar(m_tabBar))
+    , m_dockPanels(*this)
 {
     setObjectName(QStringLiteral("mainWindow"));
     setAttribute(Qt::WA_DeleteOnClose);
-    auto* content = new QWidget(this);
-    auto* column = new QVBoxLayout(content);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(0);
-    column->addWidget(m_headerBar);
-    column->addWidget(m_area, 1);
-    setCentralWidget(content);
+    m_headerBar->addTool(m_dockPanels.toggleAction());
+    setMenuWidget(m_headerBar);
+    setCentralWidget(m_area);
 
     connect(m_area, &ShellCentralArea::pageAdded, this, &ShellMainWindow::onPageAdded);
     connect(m_area, &ShellCentralArea::pageRemoved, this, &ShellMainWindow::onPageRemoved);
@@ -80,6 +76,7 @@ void ShellMainWindow::setDark(bool dark)
 {
     setStyleSheet(ShellLook::styleSheet(dark));
     m_tabBar->setDark(dark);
+    m_dockPanels.setDark(dark);
 }
 
 void ShellMainWindow::closeEvent(QCloseEvent* event)

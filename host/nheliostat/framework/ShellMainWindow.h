@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nheliostat/NHelioMainWindow.h"
+#include "nheliostat/framework/ShellDockPanels.h"
 #include "nheliostat/framework/ShellWorkAreaManager.h"
 
 class QKeySequence;
@@ -8,7 +9,8 @@ class ShellCentralArea;
 class ShellHeaderBar;
 class ShellTabBar;
 
-/** A window of the shell: tabs above, the current page below. Deletes itself when it is closed. */
+/** A window of the shell: tabs above, the current page below, dock panels at its side. Deletes itself when it
+ * is closed. */
 class ShellMainWindow final : public NHelioMainWindow
 {
     Q_OBJECT
@@ -20,12 +22,14 @@ public:
     NHelioTabBar* tabBar() const override;
     NHelioHeaderBar* headerBar() const override;
     NHelioWorkAreaManager* workAreaManager() const override { return &m_workArea; }
-    NHelioDockPanelUtility* getDockPanelUtility() const override { return nullptr; }
+    NHelioDockPanelUtility* getDockPanelUtility() const override { return &m_dockPanels; }
     /** True while a dialog or a menu is open. */
     bool isFocusLockedInCurrentPage() const override;
     void showToFront(bool restore, bool raise, bool flash) override;
 
     ShellCentralArea& area() const { return *m_area; }
+    ShellTabBar& tabs() const { return *m_tabBar; }
+    ShellHeaderBar& header() const { return *m_headerBar; }
     void setDark(bool dark);
 
 Q_SIGNALS:
@@ -51,4 +55,5 @@ private:
     ShellTabBar* m_tabBar;
     ShellHeaderBar* m_headerBar;
     mutable ShellWorkAreaManager m_workArea;
+    mutable ShellDockPanels m_dockPanels;
 };

@@ -1,9 +1,12 @@
 #include "nheliostat/framework/ShellTab.h"
 
-ShellTab::ShellTab(NHelioAppPage* page, QObject* parent)
+#include "nheliostat/framework/ShellCentralArea.h"
+
+ShellTab::ShellTab(NHelioAppPage* page, ShellCentralArea& area, QObject* parent)
     : NHelioTab(parent)
     , m_key(page)
     , m_page(page)
+    , m_area(&area)
     , m_subPage(page->initialSubPage())
 {
     if (!m_subPage)
@@ -43,10 +46,12 @@ void ShellTab::setAllowReAttachSubwindow(bool allow)
 
 void ShellTab::reAttachSubPage(QWidget* window)
 {
-    if (!m_allowReAttach || !m_subPage)
+    const auto* mainWindow = qobject_cast<NHelioMainWindow*>(window);
+    NHelioCentralArea* area = mainWindow ? mainWindow->centralArea() : m_area.data();
+    if (!m_allowReAttach || !m_page || !m_subPage || !area)
         return;
     m_allowReAttach = false;
-    m_subPage->activate({}, true);
-    if (window)
-        window->close();
+    area->addPage(m_page);
+    if (m_subPage)
+        m_subPage->activate({}, true);
 }

@@ -5,12 +5,18 @@
 
 #include <QPointer>
 
-/** The tab of one page: its text and icon. Lives until the page leaves its window. */
+class ShellCentralArea;
+
+/**
+ * The tab of one page: its text and icon. Lives until the page leaves its window; one that is kept for a page
+ * that stands elsewhere lives until the page comes back or goes.
+ */
 class ShellTab final : public NHelioTab
 {
     Q_OBJECT
 public:
-    explicit ShellTab(NHelioAppPage* page, QObject* parent = nullptr);
+    /** `area` is where the tab belongs; not owned. */
+    ShellTab(NHelioAppPage* page, ShellCentralArea& area, QObject* parent = nullptr);
 
     /** The page; to be compared only, it may be dying. */
     const NHelioAppPage* key() const { return m_key; }
@@ -25,7 +31,10 @@ public:
 
     bool tryClose() override;
     void setAllowReAttachSubwindow(bool allow) override;
-    /** Brings the page back into its window when that was allowed; a window that it stood in is closed. */
+    /**
+     * Brings the page to the front as a tab of `window`, a main window, or with null of the window that this
+     * tab belongs to, out of wherever it stands. Only when that was allowed, and once.
+     */
     void reAttachSubPage(QWidget* window) override;
 
 Q_SIGNALS:
@@ -35,6 +44,7 @@ Q_SIGNALS:
 private:
     const NHelioAppPage* m_key;
     QPointer<NHelioAppPage> m_page;
+    QPointer<ShellCentralArea> m_area;
     QPointer<NHelioSubPage> m_subPage;
     QPointer<NHelioTabDelegate> m_delegate;
     bool m_allowReAttach = false;

@@ -62,7 +62,45 @@ NHelioTab* ShellTabBar::tabOf(NHelioSubPage* subPage) const
 {
     const auto found = std::find_if(m_tabs.begin(), m_tabs.end(),
                                     [subPage](const ShellTab* tab) { return tab->subPage() == subPage; });
-    return subPage && found != m_tabs.end() ? *found : nullptr;
+    if (subPage && found != m_tabs.end())
+        return *found;
+    const auto kept = std::find_if(m_keptTabs.begin(), m_keptTabs.end(),
+                                   [subPage](const KeptTab& each) { return each.tab->subPage() == subPage; });
+    return subPage && kept != m_keptTabs.end() ? kept->tab : nullptr;
+}
+
+void ShellTabBar::keepTabFor(NHelioAppPage* page, int index)
+{
+    takeKeptTab(page);
+    auto* tab = new ShellTab(page, m_area, this);
+    connect(page, &QObject::destroyed, tab, [this, key = tab->key()] { takeKeptTab(key); });
+    m_keptTabs.append({tab, index});
+}
+
+bool ShellTabBar::keepsTabFor(const NHelioAppPage* page) const
+{
+    return std::any_of(m_keptTabs.begin(), m_keptTabs.end(),
+                       [page](const KeptTab& each) { return each.tab->key() == page; });
+}
+
+int ShellTabBar::takeKeptTab(const NHelioAppPage* page)
+{
+    const auto kept = std::find_if(m_keptTabs.begin(), m_keptTabs.end(),
+                                   [page](const KeptTab& each) { return each.tab->key() == page; });
+    if (kept == m_keptTabs.end())
+        return -1;
+    const int index = kept->index;
+    // Later: the tab may be the one that brings the page back.
+    kept->tab->deleteLater();
+    m_keptTabs.erase(kept);
+    return index;
+}
+
+void ShellTabBar::moveTab(const NHelioAppPage* page, int index)
+{
+    const int from = indexOf(page);
+    if (from >= 0 && index >= 0)
+        m_strip->moveTab(from, std::min(index, m_tabs.size() - 1));
 }
 
 void ShellTabBar::closeCurrentTab()
@@ -86,14 +124,17 @@ void ShellTabBar::setDark(bool dark)
 
 void ShellTabBar::onPageAdded(NHelioAppPage* page)
 {
-    auto* tab = new ShellTab(page, this);
-    const QSignalBlocker quiet(m_strip);
+    const int keptIndex = takeKeptTab(page);
+    auto* tab = new ShellTab(page, m_area, this);
+    QSignalBlocker quiet(m_strip);
     m_tabs.append(tab);
     const int index = m_strip->addTab(QString());
     if (!tab->isClosable())
         m_strip->setTabButton(index, QTabBar::RightSide, nullptr);
     connect(tab, &ShellTab::changed, this, [this, tab] { draw(tab); });
     draw(tab);
+    quiet.unblock();
+    moveTab(page, keptIndex);
 }
 
 void ShellTabBar::onPageRemoved(NHelioAppPage* page)
@@ -159,6 +200,7 @@ QMenu* ShellTabBar::popUpMenu(const QPoint& position)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     if (NHelioSubPage* subPage = tab->subPage())
         subPage->doAttachContextMenuActions(menu);
+    Q_EMIT menuRequested(tab->page(), menu);
     menu->addSeparator();
     QAction* close = menu->addAction(tr("Close"));
     close->setObjectName(QStringLiteral("closeTab"));

@@ -18,7 +18,13 @@ public:
      */
     explicit ShellTabBar(ShellCentralArea& area, QWidget* parent = nullptr);
 
+    /** Also the tab that is kept for a page that stands elsewhere. */
     NHelioTab* tabOf(NHelioSubPage* subPage) const override;
+    /** Keeps a tab, not shown, for a page that stands elsewhere and may come back to the place `index`. */
+    void keepTabFor(NHelioAppPage* page, int index);
+    bool keepsTabFor(const NHelioAppPage* page) const;
+    /** Moves the tab of a page, and the page, to a place; the last one for an index behind it. */
+    void moveTab(const NHelioAppPage* page, int index);
     /** Closes the current page's tab unless it refuses. */
     void closeCurrentTab();
     /** Closes all tabs but this one; tabs that refuse stay. */
@@ -32,8 +38,17 @@ public:
 
 Q_SIGNALS:
     void newPageRequested();
+    /** The menu of the page's tab is about to be shown and may be added to. */
+    void menuRequested(NHelioAppPage* page, QMenu* menu);
 
 private:
+    struct KeptTab
+    {
+        ShellTab* tab; //!< a child
+        int index;
+    };
+
+    int takeKeptTab(const NHelioAppPage* page);
     void onPageAdded(NHelioAppPage* page);
     void onPageRemoved(NHelioAppPage* page);
     void onCurrentPageChanged(NHelioAppPage* page);
@@ -47,4 +62,5 @@ private:
     QTabBar* m_strip;
     QToolButton* m_newPage;
     QVector<ShellTab*> m_tabs; //!< children, in the order of the strip
+    QVector<KeptTab> m_keptTabs;
 };

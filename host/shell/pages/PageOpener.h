@@ -1,5 +1,8 @@
 #pragma once
 
+#include "shell/pages/ProcessPage.h"
+#include "shell/pages/ProcessPageItem.h"
+
 #include <QObject>
 #include <QString>
 
@@ -13,8 +16,10 @@ namespace shell {
 
 class PageDirectory;
 
-/** Opens pages in the shell's windows: the first one, those the user asks for and those that a browser asks
- * for. */
+/**
+ * Opens pages in the shell's windows: the first one, those the user asks for and those that a browser asks
+ * for. The shell's own page types are registered while it lives.
+ */
 class PageOpener final : public QObject
 {
     Q_OBJECT
@@ -32,6 +37,8 @@ public:
 private:
     ShellApplication& m_application;
     PageDirectory& m_pages;
+    ProcessPageItem m_flowPages{ProcessPage::flowType};
+    ProcessPageItem m_processPages{ProcessPage::processType};
 };
 
 } // namespace shell

@@ -38,6 +38,25 @@ TEST_F(BrowserTest, OffersTheScriptObjectToMainFramesOfItsOriginsOnly)
     EXPECT_EQ(evaluate(text("return (await helio.call('measure', {text: 'ab'})).length")).toInt(), 2);
 }
 
+TEST_F(BrowserTest, KeepsTheScriptObjectInTheWindowThatTheBrowserStandsIn)
+{
+    ASSERT_TRUE(load(docs("/")));
+    const auto isIn = [this](const QWidget& widget) {
+        const QObject* holder = api;
+        while (holder && holder != &widget)
+            holder = holder->parent();
+        return holder == &widget;
+    };
+    EXPECT_TRUE(isIn(window));
+    QWidget other;
+    browser->setParent(&other);
+    browser->show();
+    other.show();
+    EXPECT_TRUE(isIn(other));
+    EXPECT_EQ(evaluate(text("return (await helio.call('measure', {text: 'abc'})).length")).toInt(), 3);
+    browser->setParent(&window);
+}
+
 TEST_F(BrowserTest, SettlesCallsOfEverySize)
 {
     ASSERT_TRUE(load(docs("/")));
