@@ -16,7 +16,7 @@ const oldestBrowser = 'chrome87';
 const siteScripts = '/hybrid/weboffice-static/js';
 const editors = { w: 'editorText', s: 'editorTable' };
 /** What an editor reads only when it is asked for it. */
-const parts = { w: ['codeLanguages', 'textFiles'], s: ['chart', 'tableFiles'] };
+const parts = { w: ['codeLanguages', 'textFiles', 'desktop'], s: ['chart', 'tableFiles', 'desktop'] };
 /** What a part takes from the editor's script instead of bringing its own; see `src/text/sharedModules.js`. */
 const sharedModules = /^@(codemirror\/(language|state|view)|lezer\/(common|highlight))$/;
 /** Styles up to this size stand in the page, which saves a request before the first paint. */
@@ -103,13 +103,20 @@ async function editorBundles(code, define, folder) {
     { ...define, PART_URLS: JSON.stringify(partUrls) });
 }
 
+/** A document page's first script and style, without the part that only editing offline needs. */
+async function documentBundles(define, folder) {
+  const partUrls = await writeHashed(await bundles([entry('parts/offline.js', 'offline')], define), folder, siteScripts);
+  return bundles([entry('documentPage.js', 'document'), entry('styles/document.css', 'document')],
+    { ...define, PART_URLS: JSON.stringify(partUrls) });
+}
+
 /** Writes the scripts, and the styles that are too large to stand in a page. */
 async function buildScripts(types, version, folder) {
   const define = { FRONT_VERSION: JSON.stringify(version) };
   const codes = types.filter(({ hasEditor }) => hasEditor).map(({ code }) => code);
   const [early, ...files] = await Promise.all([
     bundles([entry('earlyPage.js', 'early')], define),
-    bundles([entry('documentPage.js', 'document'), entry('styles/document.css', 'document')], define),
+    documentBundles(define, folder),
     ...codes.map((code) => editorBundles(code, define, folder)),
   ]);
   const all = new Map(files.flatMap((each) => [...each]));
@@ -138,13 +145,13 @@ async function writePages(types, version, { early, files, urls }, out) {
   }
 }
 
-/** Pages beside the documents, with a script `src/<folder>/<name>Page.js` and a style `src/styles/<name>.css` each. */
-const sitePages = [{ name: 'home', folder: 'home' }, { name: 'interface', folder: 'interface' }];
+/** Pages beside the documents, with a script `src/<name>/<name>Page.js` and a style `src/styles/<name>.css` each. */
+const sitePages = ['home', 'drive', 'interface'];
 
-async function writeSitePage({ name, folder }, out, version) {
+async function writeSitePage(name, out, version) {
   const target = path.join(out, 'static');
   await mkdir(target, { recursive: true });
-  const files = await bundles([entry(`${folder}/${name}Page.js`, name), entry(`styles/${name}.css`, name)], {});
+  const files = await bundles([entry(`${name}/${name}Page.js`, name), entry(`styles/${name}.css`, name)], {});
   const urls = await writeHashed(files, target, '/static');
   const template = await readFile(path.join(here, 'pages', `${name}.html`), 'utf8');
   const names = { version, [`${name}Script`]: urls[`${name}.js`], [`${name}Style`]: urls[`${name}.css`] };
@@ -171,7 +178,7 @@ export async function filesBelow(folder) {
  * @param {{out: string, version: string, types?: ReturnType<typeof officeTypes>}} options
  */
 export async function buildSite({ out, version, types = officeTypes() }) {
-  const pages = sitePages.map(({ name }) => `${name}.html`);
+  const pages = sitePages.map((name) => `${name}.html`);
   const owned = ['dist_langs', 'weboffice-static', 'static', ...pages, 'robots.txt', 'version', 'sw.js'];
   await Promise.all(owned.map((name) => rm(path.join(out, name), { recursive: true, force: true })));
   const scripts = path.join(out, scriptFolder);

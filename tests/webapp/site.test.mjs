@@ -12,7 +12,7 @@ const packages = process.env.WEBAPP_PACKAGES;
 const packScript = fileURLToPath(new URL('../../demo/webapp/pack.mjs', import.meta.url));
 const skip = site ? false : 'WEBAPP_SITE names no built site';
 const read = (...names) => readFileSync(path.join(site, ...names), 'utf8');
-const pages = [['home.html'], ['dist_langs', 'zh-CN', 'index-w.html'], ['dist_langs', 'zh-CN', 'index-s.html']];
+const pages = [['home.html'], ['drive.html'], ['dist_langs', 'zh-CN', 'index-w.html'], ['dist_langs', 'zh-CN', 'index-s.html']];
 
 /** Where a URL of a page lies in the site. */
 function siteFile(url) {
@@ -67,7 +67,7 @@ test('a package of another version shares no script with the site, and its zip f
     pack('--out', path.join(out, 'other'), '--version', '9.9.9', '--zip', out);
     pack('--out', path.join(out, 'same'), '--zip', out);
     const scripts = (version) => readdirSync(path.join(out, version, 'quillword', 'weboffice-static', 'js')).filter((name) => name.endsWith('.js'));
-    assert.equal(scripts('other').length, 4);
+    assert.ok(scripts('other').length > 3 && scripts('other').length === scripts('same').length);
     assert.deepEqual(scripts('other').filter((name) => scripts('same').includes(name)), []);
     const page = readFileSync(path.join(out, 'other/quillword/dist_langs/zh-CN/index-w.html'), 'utf8');
     assert.match(page, /<html[^>]* data-front-version="9\.9\.9"/);

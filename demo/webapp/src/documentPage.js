@@ -63,7 +63,8 @@ window.addEventListener('DOMContentLoaded', () => editors.allScriptsRead());
 window.addEventListener('ON_APP_OPENFILE_READY', () => screen.open({ mayReload: true }));
 window.addEventListener('keydown', saveByKey, { capture: true });
 window.addEventListener('beforeunload', warnBeforeLoss);
-window.addEventListener('online', () => screen.save());
+window.addEventListener('online', () => screen.reconnect());
+window.addEventListener('focus', () => screen.reconnect());
 
 screen.open();
 showNativeSide();

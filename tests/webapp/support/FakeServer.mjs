@@ -11,7 +11,7 @@ export class FakeServer {
   }
 
   fetch = async (url, init = {}) => {
-    this.requests.push({ url, method: init.method || 'GET', body: init.body ? JSON.parse(init.body) : undefined });
+    this.requests.push({ url, method: init.method || 'GET', body: typeof init.body === 'string' ? JSON.parse(init.body) : init.body });
     const index = this.#rules.findIndex(({ pattern }) => pattern.test(url));
     if (index < 0) throw new TypeError('unreachable');
     return this.#rules.splice(index, 1)[0].respond();

@@ -1,11 +1,15 @@
 import crelt from 'crelt';
 import { contentPreview, renderingPreview, storedPreview } from '../preview/preview.js';
+import { ConflictSettler } from '../offline/ConflictSettler.js';
+import { copyToOpen, unsentCopy } from '../offline/localCopy.js';
+import { OfflineEditing } from '../offline/OfflineEditing.js';
+import { sessionSaveText } from '../offline/saveText.js';
 import { saveText } from '../ui/saveText.js';
 import { confirmedDocument } from './confirmation.js';
 import { renderingOf } from './DocumentsApi.js';
 import { EditingSession } from './EditingSession.js';
 import { askForFile } from './fileRequests.js';
-import { connectionFor, Injection } from './inject.js';
+import { connectionFor, Injection, newConnectionId } from './inject.js';
 import { documentUrl, parseLocation } from './location.js';
 import { officeType } from './officeTypes.js';
 import { openedFrom, sourceOf } from './openedReply.js';
@@ -28,8 +32,11 @@ export class DocumentScreen {
   #frontVersion;
   #early;
   #injection;
+  #offline;
   #session = null;
   #opening = null;
+  #askAgain = null;
+  #conflicts;
 
   /**
    * @param {object} parts
@@ -53,6 +60,22 @@ export class DocumentScreen {
     this.#early = early;
     this.#injection = new Injection(window);
     this.#progress = new OpenProgress(window);
+    const ifCurrent = (then) => (session) => this.#session === session && then(session);
+    this.#offline = new OfflineEditing({
+      owner: window,
+      native,
+      api,
+      typeCode,
+      onChange: ifCurrent((session) => this.#showSaveState(session.state, session)),
+      onLateCopy: ifCurrent(() => this.open()),
+    });
+    this.#conflicts = new ConflictSettler({
+      offline: this.#offline,
+      frame,
+      ask: ({ fileId }) => this.#serverDocument(fileId),
+      show: async (server) => this.#showNewer(server, await this.#editor(), 'network'),
+      openDocument: (id) => window.location.assign(documentUrl(id, typeCode)),
+    });
   }
 
   get isEditing() {
@@ -66,6 +89,14 @@ export class DocumentScreen {
 
   save() {
     return this.#session ? this.#session.save() : Promise.resolve();
+  }
+
+  /** The server may be there again: what waits for it goes on at once. */
+  reconnect() {
+    if (this.#askAgain) this.#askAgain();
+    if (!this.#session || !this.#session.hasUnsavedChanges) return;
+    if (this.#session.state.kind === 'failed') this.save();
+    this.#conflicts.settleIfOffline(this.#session);
   }
 
   /**
@@ -103,7 +134,7 @@ export class DocumentScreen {
     if (!this.#session) return true;
     await this.#session.save();
     if (signal.aborted) return false;
-    if (this.#session && this.#session.hasUnsavedChanges) {
+    if (this.#session && this.#session.hasUnsavedChanges && !(await this.#session.keep())) {
       this.#offerToStay(mayReload);
       return false;
     }
@@ -182,6 +213,7 @@ export class DocumentScreen {
   async #openFile(fileId, signal) {
     const early = this.#takeEarly(fileId, signal);
     const injected = early ? early.injected : this.#injection.read();
+    const kept = this.#offline.ask({ fileId, injected });
     const connId = early ? early.connId : connectionFor(injected, this.#window);
     const asked = early ? early.replies
       : askForFile(this.#api, { fileId, typeCode: this.#typeCode, connId, injected, signal });
@@ -192,7 +224,9 @@ export class DocumentScreen {
     asked.preopen.then(() => signal.aborted || this.#progress.step('reply'));
 
     const ask = () => this.#api.preopen(fileId, this.#typeCode, connId, { signal });
-    if (injected.content && (await this.#openCopy({ fileId, injected, reply: asked.preopen, ask, signal }))) return;
+    const opening = { fileId, injected, reply: asked.preopen, ask, signal };
+    const copy = await copyToOpen({ injected, kept, reply: asked.preopen });
+    if (copy && (await this.#openCopy(copy, opening))) return;
     const reply = await asked.preopen;
     const opened = this.#readOpened(reply, fileId);
     if (signal.aborted) return;
@@ -200,6 +234,8 @@ export class DocumentScreen {
     const from = sourceOf(reply);
     if (!this.#editors.has(this.#typeCode)) this.#preview(contentPreview(opened.content, this.#typeCode), from);
     const mount = await this.#editor();
+    const unsent = copy ? null : await unsentCopy(kept);
+    if (unsent && (await this.#openCopy(unsent, opening))) return;
     if (!signal.aborted) await this.#edit(opened, mount, from);
   }
 
@@ -223,19 +259,20 @@ export class DocumentScreen {
   }
 
   /**
-   * Opens the copy that the desktop side put into the page, and compares it with the server's document as soon as
+   * Opens a copy on this computer, which the desktop side put into the page or which was kept by an earlier one, and compares it with the server's document as soon as
    * that is there. @returns {Promise<boolean>} false when the editor cannot read the copy
    */
-  async #openCopy({ fileId, injected, reply, ask, signal }) {
+  async #openCopy(local, { fileId, injected, reply, ask, signal }) {
     const mount = await this.#editor();
     if (signal.aborted) return true;
-    const copy = { fileId, fileName: injected.fileName || 'Document', version: null, content: injected.content };
+    const { content, unsent, version: base } = local;
+    const fileName = injected.fileName || local.fileName || 'Document';
     try {
-      await this.#edit(copy, mount, 'injected');
+      const copy = { fileId, fileName, version: null, base, content, unsent };
+      await this.#edit(copy, mount, content === injected.content ? 'injected' : 'kept');
     } catch {
       return false;
     }
-    const local = { content: injected.content, version: injected.contentVersion };
     const session = this.#session;
     this.#confirm({ local, session, mount, reply, ask, fileId, signal, offlineEditing: injected.offlineEditing });
     return true;
@@ -243,6 +280,9 @@ export class DocumentScreen {
 
   async #confirm({ local, session, mount, reply, ask, fileId, signal, offlineEditing }) {
     const onFailure = (message, tryAgain) => {
+      this.#askAgain = tryAgain;
+      session.isServerAway = true;
+      this.#showSaveState(session.state, session);
       const kept = offlineEditing ? 'You can go on; changes are sent when the server answers.' : 'Changes are kept in this page only.';
       const text = `This is the copy on this computer: the server's document could not be read (${message}). ${kept}`;
       this.#frame.showNotice({ id: 'unconfirmed', text, actions: [{ label: 'Try again', run: tryAgain }] });
@@ -254,16 +294,19 @@ export class DocumentScreen {
       return this.#readReply(answer, fileId);
     };
     const server = await confirmedDocument({ reply, ask, read, onFailure, signal });
+    this.#askAgain = null;
     if (server === null || this.#session !== session) return;
     this.#frame.hideNotice('unconfirmed');
     this.#progress.set({ error: null });
     this.#frame.setTitle(server.fileName);
-    switch (reconciliation(local, server, session.hasUnsavedChanges)) {
+    session.fileName = server.fileName;
+    switch (reconciliation(local, server, session.hasUnsavedChanges || local.unsent)) {
       case 'same':
         session.rebase(server.version);
         break;
       case 'send':
         session.rebase(server.version, { unsent: true });
+        if (local.unsent) session.save();
         break;
       case 'conflict':
         session.refuse(server.version);
@@ -310,12 +353,13 @@ export class DocumentScreen {
     const host = crelt('div', { class: `editor editor-${this.#typeCode}` });
     const earlier = this.#session;
     let session = null;
-    const onSaveState = (state) => (session === null || this.#session === session) && this.#showSaveState(state);
+    const onSaveState = (state) => (session === null || this.#session === session) && this.#showSaveState(state, session);
     this.#frame.insert(host);
     this.#progress.step('mount');
     try {
       session = new EditingSession({ opened, mount, host, api: this.#api, onSaveState });
       this.#session = session;
+      session.isServerAway = opened.unsent === true;
       if (session.ready) await session.ready;
     } catch (error) {
       host.remove();
@@ -335,6 +379,7 @@ export class DocumentScreen {
     session.focus();
     if (!earlier) this.#reportReady(opened);
     this.#progress.editable(from);
+    this.#offline.follow(session, { opened });
   }
 
   /** Something was typed while the newer document was being built: that is not thrown away. */
@@ -357,20 +402,26 @@ export class DocumentScreen {
     }
   }
 
-  #showSaveState(state) {
-    const { text, tone } = saveText(state);
+  #showSaveState(state, session) {
+    const { text, tone } = session ? sessionSaveText(session) : saveText(state);
     this.#frame.setSaveState(text, tone);
     this.#progress.set({ saved: state.kind === 'saved', error: tone === 'bad' ? text : null });
     if (state.kind !== 'conflict') {
       this.#frame.hideNotice('conflict');
       return;
     }
+    if (session) this.#conflicts.settleIfOffline(session);
+    const isKept = session && session.keeper;
     const actions = [
-      { label: 'Load the newer version', run: () => this.#reloadDiscarding() },
+      { label: 'Load the newer version', run: () => (isKept ? this.#conflicts.settle(session) : this.#reloadDiscarding()) },
       { label: 'Overwrite it', run: () => this.#session.overwrite() },
     ];
     const notice = 'This document was changed elsewhere since it was opened here. Your changes are kept in this page.';
     this.#frame.showNotice({ id: 'conflict', text: notice, actions, closable: false });
+  }
+
+  async #serverDocument(fileId) {
+    return this.#readOpened(await this.#api.preopen(fileId, this.#typeCode, newConnectionId()), fileId);
   }
 
   #reloadDiscarding() {

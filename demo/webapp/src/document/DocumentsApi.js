@@ -47,8 +47,8 @@ export class DocumentsApi {
     return requestJson(this.#fetch, '/api/v3/office/files', options);
   }
 
-  create(typeCode, options) {
-    const json = { officeType: typeCode };
+  create(typeCode, { name, ...options } = {}) {
+    const json = { officeType: typeCode, name };
     return requestJson(this.#fetch, '/api/v3/office/files', { method: 'POST', json, ...options });
   }
 

@@ -8,6 +8,14 @@ export class EditingSession {
   #editor;
   #queue;
 
+  /** Who keeps the changes on this computer (`offline/Keeper.js`); null where nobody does. */
+  keeper = null;
+  /** Whether the changes were, at least in part, made while the server was away. */
+  isServerAway = false;
+  isDiscarded = false;
+  /** The content that was sent last. */
+  lastSent = null;
+
   /**
    * @param {object} options
    * @param {{fileId: string, fileName: string, version: number | null, content: object}} options.opened
@@ -17,13 +25,21 @@ export class EditingSession {
    * @param {(state: import('./SaveQueue.js').SaveState) => void} options.onSaveState
    */
   constructor({ opened, mount, host, api, onSaveState }) {
+    this.fileId = opened.fileId;
     this.fileName = opened.fileName;
-    const changed = () => this.#queue.changed();
+    this.version = opened.version === null && opened.base !== undefined ? opened.base : opened.version;
+    const changed = () => {
+      if (this.keeper) this.keeper.changed();
+      this.#queue.changed();
+    };
     this.#editor = mount(host, opened.content, { onChange: changed, fileName: opened.fileName });
     this.#queue = new SaveQueue({
       send: async (version, content) => {
         const keepalive = JSON.stringify(content).length <= sentOnLeaving;
-        return saveOutcome(await api.save(opened.fileId, version, content, { keepalive }));
+        if (this.keeper) this.keeper.sending(content);
+        const outcome = saveOutcome(await api.save(opened.fileId, version, content, { keepalive }));
+        this.#sent(content, outcome);
+        return outcome;
       },
       takeContent: () => this.#editor.content(),
       version: opened.version,
@@ -34,10 +50,45 @@ export class EditingSession {
     onSaveState(this.#queue.state);
   }
 
+  #sent(content, outcome) {
+    this.lastSent = content;
+    const isAway = outcome.reason === 'unreachable';
+    if (isAway || outcome.ok) this.isServerAway = isAway;
+    if (!outcome.ok) return;
+    this.version = outcome.version;
+    if (this.keeper) this.keeper.saved(outcome.version);
+  }
+
+  get state() {
+    return this.#queue.state;
+  }
+
+  content() {
+    return this.#editor.content();
+  }
+
   /** The server confirmed the copy; `unsent`: it holds changes that the server lacks. */
   rebase(version, { unsent = false } = {}) {
+    this.version = version;
     this.#queue.rebase(version);
     if (unsent) this.#queue.changed();
+    if (this.keeper) this.keeper.rebased(version, { unsent });
+  }
+
+  /** What is unsaved is in safety elsewhere. */
+  forget() {
+    this.#queue.forget();
+  }
+
+  /** Whether leaving the page loses nothing, since what is unsaved is on this computer's disk. */
+  get isKept() {
+    return this.keeper !== null && this.keeper.isKept;
+  }
+
+  /** Brings what is unsaved to this computer's disk, where that is done. @returns {Promise<boolean>} whether it is there */
+  async keep() {
+    if (this.keeper) await this.keeper.record();
+    return this.isKept;
   }
 
   /** The server holds something else than the copy was made of. */
@@ -66,6 +117,7 @@ export class EditingSession {
   leavingLosesChanges() {
     this.#editor.commit();
     if (!this.hasUnsavedChanges) return false;
+    if (this.isKept) return false;
     const stuck = ['failed', 'conflict', 'held'].includes(this.#queue.state.kind);
     this.#queue.flush();
     return stuck || JSON.stringify(this.#editor.content()).length > sentOnLeaving;
@@ -73,6 +125,8 @@ export class EditingSession {
 
   /** Takes the editor off the page; what is unsaved then is given up. */
   discard() {
+    this.isDiscarded = true;
+    if (this.keeper) this.keeper.close();
     this.#queue.close();
     this.#editor.destroy();
   }

@@ -4,6 +4,16 @@
  */
 const pollMs = 50;
 const pollLimit = 60;
+let lastCallback = 0;
+
+function parsed(data) {
+  if (typeof data !== 'string') return data;
+  try {
+    return JSON.parse(data);
+  } catch {
+    return null;
+  }
+}
 
 export class NativeSide {
   #window;
@@ -27,6 +37,39 @@ export class NativeSide {
       await new Promise((resolve) => timers.setTimeout(resolve, pollMs));
     }
     return this.present;
+  }
+
+  /** @returns {Promise<object>} the reply; rejects without the desktop side, and when it does not know the method */
+  async call(name, args = {}) {
+    const helio = this.#helio;
+    if (!helio) throw new Error('the desktop side is not there');
+    const reply = await helio.call(name, args);
+    return reply && typeof reply === 'object' ? reply : {};
+  }
+
+  /**
+   * A call of a method that answers only now and then, or never: nobody waits for it.
+   * @param {{onReply?: (reply: object) => void, onFailure?: (message: string) => void}} [listeners]
+   */
+  tell(name, args = {}, { onReply = () => {}, onFailure = () => {} } = {}) {
+    this.call(name, args).then(onReply, (error) => onFailure(error.message));
+  }
+
+  /**
+   * Makes a function of the window that the desktop side can call by its name.
+   * @param {(data: any) => void} listener gets the parsed JSON text; null when it was none
+   * @returns {{name: string, release: () => void}}
+   */
+  callback(listener) {
+    const name = `skyleafCallback${++lastCallback}`;
+    this.#window[name] = (data) => listener(parsed(data));
+    return { name, release: () => delete this.#window[name] };
+  }
+
+  /** Calls `listener` with the data of each page event of that name, as long as the page lives. */
+  onEvent(name, listener) {
+    const helio = this.#helio;
+    if (helio && typeof helio.on === 'function') helio.on(name, (data) => listener(parsed(data)));
   }
 
   /** @returns {Promise<string | null>} the version of the script interface; null without one */

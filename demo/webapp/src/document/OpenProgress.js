@@ -22,7 +22,8 @@ export class OpenProgress {
       frontVersion,
       visible: false,
       editable: false,
-      // Where the text that was painted first, and the editor's content, came from: "injected", "prefetched" or "network".
+      // Where the text that was painted first, and the editor's content, came from: "injected", "prefetched", "network"
+      // or "kept" (on this computer).
       visibleFrom: null,
       contentFrom: null,
       times: { visible: null, editable: null },

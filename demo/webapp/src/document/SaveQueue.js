@@ -97,6 +97,13 @@ export class SaveQueue {
     return this.flush();
   }
 
+  /** What is unsaved is in safety elsewhere: nothing more is sent of what the queue holds. */
+  forget() {
+    this.#unschedule();
+    this.#dirty = false;
+    this.#enter({ kind: 'held' });
+  }
+
   /** Ends the queue: nothing is scheduled any more, what is unsaved is the caller's to flush before. */
   close() {
     this.#closed = true;

@@ -1,7 +1,9 @@
 import crelt from 'crelt';
+import { mountAccountCorner } from '../account/AccountCorner.js';
 import { DocumentsApi } from '../document/DocumentsApi.js';
 import { documentUrl } from '../document/location.js';
 import { officeType } from '../document/officeTypes.js';
+import { NativeSide } from '../document/NativeSide.js';
 import { watchFailures } from '../ui/watchFailures.js';
 
 const api = new DocumentsApi((url, init) => window.fetch(url, init));
@@ -43,5 +45,16 @@ async function showDocuments() {
 }
 
 watchFailures(window, (text) => list.replaceChildren(problemPanel(`Something in this page failed: ${text}.`)));
+function tell(text) {
+  document.getElementById('notices').replaceChildren(crelt('div', { class: 'notice' }, crelt('span', text)));
+}
+
 window.__HOME_STARTED__ = true;
-showDocuments();
+// A server that has no page for the drive's path answers it with this one.
+if (window.location.pathname === '/drive') {
+  window.location.replace(`/drive.html${window.location.search}${window.location.hash}`);
+} else {
+  showDocuments();
+  const native = new NativeSide(window);
+  mountAccountCorner({ native, header: document.querySelector('.title-bar'), notify: tell, onChange: showDocuments });
+}

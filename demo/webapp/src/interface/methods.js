@@ -155,7 +155,7 @@ const others = [
   { name: 'docs.sorrel.generateTaskId', reply: { task_id: text, success: true } },
   { name: 'docs.sorrel.notifyDockPanelSorrelMsg', args: { source: 'interface', data: { question: 'hello' } },
     reply: either({ success: true }, { success: false, errorMsg: 'dockPanelNotification' }), effect: 'A message to the assistant in the dock panel.' },
-  { name: 'docs.dockmsg.getPageInfo', reply: { callstatus: 'ok', result: object } },
+  { name: 'docs.dockmsg.getPageInfo', reply: { callstatus: 'ok', loaded: flag, fileInfo: object }, effect: 'What the dock panels know of the page.' },
   { name: 'quilldrive.getDriveInfo', reply: object },
 ];
 

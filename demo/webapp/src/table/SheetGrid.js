@@ -68,10 +68,44 @@ export class SheetGrid {
     return { titles, rows: cells.map((row) => row.map((cell) => cell.getValue())), whole: false };
   }
 
+  /** The values of the selected range, one cell at least; null without one. */
+  cells() {
+    const range = this.#range();
+    const rows = range ? range.getCells().map((row) => row.filter((cell) => cell.getField()).map((cell) => cell.getValue())) : [];
+    return rows.length > 0 && rows[0].length > 0 ? rows : null;
+  }
+
+  clearCells() {
+    const cells = this.#range() ? this.#range().getCells().flat() : [];
+    cells.filter((cell) => cell.getField()).forEach((cell) => cell.setValue(''));
+  }
+
+  /**
+   * Puts values into the cells from the selection's first one on; rows and columns are added where they are missing.
+   * @returns {Promise<boolean>} false without a selection
+   */
+  async setCells(rows) {
+    const range = this.#range();
+    const first = range && range.getCells()[0] && range.getCells()[0].find((cell) => cell.getField());
+    if (!first) return false;
+    const top = this.#table.getRows().indexOf(first.getRow());
+    const left = this.#columns().findIndex((column) => column.getField() === first.getField());
+    const width = rows.reduce((most, row) => Math.max(most, row.length), 0);
+    while (this.#columns().length < left + width) await this.#appendColumn();
+    const missing = top + rows.length - this.#table.getDataCount();
+    if (missing > 0) await this.#table.addData(Array.from({ length: missing }, () => this.#blankRow()));
+    const columns = this.#columns();
+    const below = this.#table.getRows().slice(top, top + rows.length);
+    rows.forEach((row, index) => row.forEach((value, column) => {
+      below[index].getCell(columns[left + column].getField()).setValue(value ?? '');
+    }));
+    return true;
+  }
+
   async addRow() {
     const rows = this.#range() ? this.#range().getRows() : [];
     const below = rows[rows.length - 1];
-    const blank = Object.fromEntries(this.#fields.map((field) => [field, '']));
+    const blank = this.#blankRow();
     await (below ? this.#table.addRow(blank, false, below) : this.#table.addRow(blank));
   }
 
@@ -82,12 +116,8 @@ export class SheetGrid {
   }
 
   async addColumn() {
-    const columns = this.#columns();
     const selected = this.#range() ? this.#range().getColumns().filter((column) => column.getField()) : [];
-    const after = selected[selected.length - 1] || columns[columns.length - 1];
-    const field = fieldName(this.#nextField++);
-    await this.#table.addColumn(this.#column({ title: columnLetters(columns.length), width: 120 }, field), false, after);
-    this.#fields.push(field);
+    await this.#appendColumn(selected[selected.length - 1]);
     this.#onChange();
   }
 
@@ -124,6 +154,18 @@ export class SheetGrid {
   destroy() {
     this.#host.removeEventListener('keydown', this.#typeOver, { capture: true });
     this.#table.destroy();
+  }
+
+  #blankRow() {
+    return Object.fromEntries(this.#fields.map((field) => [field, '']));
+  }
+
+  async #appendColumn(after = undefined) {
+    const columns = this.#columns();
+    const field = fieldName(this.#nextField++);
+    const column = this.#column({ title: columnLetters(columns.length), width: 120 }, field);
+    await this.#table.addColumn(column, false, after || columns[columns.length - 1]);
+    this.#fields.push(field);
   }
 
   #options() {

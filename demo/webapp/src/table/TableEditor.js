@@ -1,10 +1,12 @@
 import crelt from 'crelt';
 import { askForText } from '../ui/askForText.js';
+import { DesktopLink } from '../ui/DesktopLink.js';
 import { chooseFile, downloadBlob, tellFailure, withExtension } from '../ui/files.js';
 import { loadPart } from '../ui/parts.js';
 import { ChartPanel } from './ChartPanel.js';
 import { SheetGrid } from './SheetGrid.js';
 import { blankSheet, selectionSummary, sheetsFromContent } from './tableContent.js';
+import { tableTools } from './tableTools.js';
 
 /** The sheets of a table, one of them in the grid, with a tool bar above and the sheet tabs below. */
 class TableEditor {
@@ -18,6 +20,8 @@ class TableEditor {
   #tabs = crelt('div', { class: 'sheet-tabs', role: 'tablist' });
   #summary = crelt('div', { class: 'selection-summary', role: 'status' });
   #chart = new ChartPanel(() => this.#grid.selection());
+  #send = crelt('button', { type: 'button', title: 'Send the file to somebody', onclick: () => this.#desktop.run('sendFile') }, 'Send…');
+  #desktop;
 
   constructor(host, content, { onChange, fileName }) {
     this.#content = content;
@@ -30,6 +34,13 @@ class TableEditor {
     const middle = crelt('div', { class: 'grid-and-chart' }, this.#place, this.#chart.dom);
     host.append(this.#toolBar(), middle, crelt('div', { class: 'sheet-bar' }, this.#tabs, this.#summary));
     this.#open(0);
+    this.#send.disabled = true;
+    const tools = tableTools({
+      grid: () => this.#grid,
+      sheets: () => this.#currentSheets(),
+      onRefresh: () => (this.#send.disabled = !this.#desktop.canSend),
+    });
+    this.#desktop = new DesktopLink({ host, tools, fileName });
   }
 
   content() {
@@ -50,6 +61,7 @@ class TableEditor {
   }
 
   destroy() {
+    this.#desktop.end();
     this.#chart.destroy();
     this.#grid.destroy();
   }
@@ -137,6 +149,12 @@ class TableEditor {
     return crelt('div', { class: 'tool-bar', role: 'toolbar', 'aria-label': 'Table' },
       group(button('Undo', 'Undo (Ctrl+Z)', () => this.#grid.undo()), button('Redo', 'Redo (Ctrl+Y)', () => this.#grid.redo())),
       group(
+        button('Cut', 'Cut (Ctrl+X)', () => this.#desktop.run('cut')),
+        button('Copy', 'Copy (Ctrl+C)', () => this.#desktop.run('copy')),
+        button('Paste', 'Paste (Ctrl+V)', () => this.#desktop.run('paste')),
+        button('Paste text', 'Paste as plain text (Ctrl+Shift+V)', () => this.#desktop.run('pastePlain')),
+      ),
+      group(
         button('Add row', 'Insert a row below the selection', () => this.#grid.addRow()),
         button('Delete rows', 'Delete the selected rows', () => this.#grid.deleteRows()),
       ),
@@ -148,6 +166,8 @@ class TableEditor {
       group(
         button('Insert .xlsx…', 'Add the sheets of a file', () => this.#import()),
         button('Download .xlsx', 'Download the table as a file', () => this.#download()),
+        button('Print…', 'Print (Ctrl+P)', () => this.#desktop.run('print')),
+        this.#send,
       ));
   }
 }

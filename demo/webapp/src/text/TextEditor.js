@@ -4,22 +4,25 @@ import { history } from 'prosemirror-history';
 import { keymap } from 'prosemirror-keymap';
 import { EditorState } from 'prosemirror-state';
 import { EditorView } from 'prosemirror-view';
+import { DesktopLink } from '../ui/DesktopLink.js';
 import { codeBlockKeys, CodeBlockView } from './CodeBlockView.js';
 import { fileActions } from './fileMenu.js';
 import { textInputRules, textKeymaps } from './keys.js';
 import { textMenuBar } from './menu.js';
 import { documentFromContent } from './schema.js';
+import { textTools } from './textTools.js';
 
 /**
  * Puts a text editor into `host`.
  * @throws {Error} when the content is not a text document of this editor's schema
  */
 export function mountTextEditor(host, content, { onChange, fileName }) {
+  let desktop = null;
   const state = EditorState.create({
     doc: documentFromContent(content),
     plugins: [
       textInputRules, keymap(codeBlockKeys), ...textKeymaps,
-      dropCursor(), gapCursor(), history(), textMenuBar(fileActions(fileName)),
+      dropCursor(), gapCursor(), history(), textMenuBar(fileActions(fileName, () => desktop)),
     ],
   });
   const view = new EditorView(host, {
@@ -31,10 +34,15 @@ export function mountTextEditor(host, content, { onChange, fileName }) {
       if (transaction.docChanged) onChange();
     },
   });
+  const tools = textTools(view, { onRefresh: () => view.updateState(view.state) });
+  desktop = new DesktopLink({ host, tools, fileName });
   return {
     content: () => view.state.doc.toJSON(),
     commit() {},
     focus: () => view.focus(),
-    destroy: () => view.destroy(),
+    destroy() {
+      desktop.end();
+      view.destroy();
+    },
   };
 }

@@ -37,13 +37,25 @@ function downloadMarkdown(doc, fileName) {
   downloadBlob(text, withExtension(fileName, 'md'));
 }
 
-/** The menu items that deal with files. */
-export function fileActions(fileName) {
+/**
+ * The menu items that deal with files, and with what comes from or goes to other programs.
+ * @param {() => import('../ui/DesktopLink.js').DesktopLink | null} desktop null as long as the editor is being made
+ */
+export function fileActions(fileName, desktop) {
+  const command = (label, name) => item(label, () => desktop().run(name));
+  const canSend = () => desktop() !== null && desktop().canSend;
   return {
+    edit: [
+      command('Cut (Ctrl+X)', 'cut'),
+      command('Copy (Ctrl+C)', 'copy'),
+      command('Paste (Ctrl+V)', 'paste'),
+      command('Paste as plain text (Ctrl+Shift+V)', 'pastePlain'),
+    ],
     file: [
       item('Download as .docx', (_view, state) => downloadDocx(state.doc, fileName)),
       item('Download as Markdown', (_view, state) => downloadMarkdown(state.doc, fileName)),
-      item('Print…', () => window.print()),
+      command('Print… (Ctrl+P)', 'print'),
+      new MenuItem({ label: 'Send file…', title: 'Send the file to somebody', enable: canSend, run: () => desktop().run('sendFile') }),
     ],
     insert: [item('Text from a file (.docx, .md, .html)…', (view) => insertFile(view))],
   };

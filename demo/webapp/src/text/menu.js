@@ -72,14 +72,15 @@ function insertMenu(fileActions) {
 
 /**
  * The bar above the text.
- * @param {{file: MenuItem[], insert: MenuItem[]}} fileActions see fileMenu.js
+ * @param {{file: MenuItem[], edit: MenuItem[], insert: MenuItem[]}} fileActions see fileMenu.js
  */
 export function textMenuBar(fileActions) {
-  const file = new Dropdown(fileActions.file, { label: 'File', title: 'Download or print' });
+  const file = new Dropdown(fileActions.file, { label: 'File', title: 'Download, print or send' });
+  const edit = new Dropdown(fileActions.edit, { label: 'Edit', title: 'Copy and paste' });
   return menuBar({
     floating: false,
     content: [
-      [file, insertMenu(fileActions), styleMenu()],
+      [file, edit, insertMenu(fileActions), styleMenu()],
       [undoItem, redoItem],
       [
         markItem(marks.strong, 'Bold (Ctrl+B)', icons.strong),

@@ -1,4 +1,6 @@
 /* global PART_URLS */
+import crelt from 'crelt';
+
 /**
  * What an editor needs only now and then lies in scripts of its own, read when it is asked for the first time. They
  * share no module with the editor but those that the build leads to it, so nothing else that is compared by identity
@@ -12,6 +14,8 @@ export function providePart(name, members) {
 }
 
 function readScript(name) {
+  const style = PART_URLS[`${name}.css`];
+  if (style) document.head.append(crelt('link', { rel: 'stylesheet', href: style }));
   return new Promise((resolve, reject) => {
     const script = document.createElement('script');
     script.onload = () => resolve(window.skyleafParts[name]);
