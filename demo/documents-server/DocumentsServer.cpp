@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include "drive/Drive.h"
 #include "http/HttpConnection.h"
 #include "http/HttpListener.h"
 #include "service/DocumentsService.h"
@@ -45,13 +46,16 @@ struct DocumentsServer::Parts
 {
     Parts(const ServerOptions& options, const Clock& clock)
         : store(options.documentsDirectory, clock)
+        , drive(options.documentsDirectory + QLatin1String("/drive"), clock)
         , shaper(options.link)
-        , service(store, options.siteDirectory, options.packageDirectory, clock, shaper, log)
-        , services{[this](const HttpRequest& request) { return service.answer(request); }, shaper, log, clock}
+        , service(store, drive, options.siteDirectory, options.packageDirectory, clock, shaper, log)
+        , services{[this](const HttpRequest& head) { return service.receive(head); },
+                   [this](const HttpRequest& request) { return service.answer(request); }, shaper, log, clock}
     {
     }
 
     DocumentStore store;
+    Drive drive;
     LinkShaper shaper;
     RequestLog log;
     DocumentsService service;
@@ -67,7 +71,10 @@ std::unique_ptr<DocumentsServer> DocumentsServer::start(asio::io_context& contex
                                                         QString* errorText)
 {
     auto parts = std::make_unique<Parts>(options, clock);
-    if (const Failure failure = parts->store.open()) {
+    Failure failure = parts->store.open();
+    if (!failure)
+        failure = parts->drive.open();
+    if (failure) {
         *errorText = QLatin1String("--documents: ") + failure->text;
         return nullptr;
     }

@@ -1,11 +1,6 @@
-#include "service/DocumentsService.h"
-
-#include <gmock/gmock.h>
-
 #include <QJsonArray>
-#include <QJsonDocument>
 
-#include "support/TemporarySite.h"
+#include "support/ServiceTest.h"
 
 namespace documents {
 namespace {
@@ -13,43 +8,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class DocumentsServiceTest : public testing::Test
-{
-protected:
-    void SetUp() override { ASSERT_FALSE(store.open()); }
-
-    HttpReply ask(const QByteArray& method, const QByteArray& target, const QByteArray& body = {})
-    {
-        HttpRequest request;
-        request.method = method;
-        request.target = target;
-        request.body = body;
-        request.cookie = cookie;
-        return service.answer(request).reply;
-    }
-
-    static QJsonObject json(const HttpReply& reply) { return QJsonDocument::fromJson(reply.body).object(); }
-    static std::string text(const HttpReply& reply, const char* member)
-    {
-        return json(reply).value(QLatin1String(member)).toString().toStdString();
-    }
-    static QByteArray header(const HttpReply& reply, const QByteArray& name)
-    {
-        for (const auto& field : reply.headers) {
-            if (field.first == name)
-                return field.second;
-        }
-        return {};
-    }
-
-    TemporarySite place;
-    const qint64 now = 1'700'000'000'000;
-    DocumentStore store{place.documents(), [this] { return now; }};
-    LinkShaper shaper;
-    RequestLog log;
-    DocumentsService service{store, place.site(), place.packages(), [this] { return now; }, shaper, log};
-    QByteArray cookie;
-};
+using DocumentsServiceTest = ServiceTest;
 
 TEST_F(DocumentsServiceTest, pagesLeadToTheirFiles)
 {
@@ -83,17 +42,17 @@ TEST_F(DocumentsServiceTest, pagesLeadToTheirFiles)
         {"/a%00b", 400, "malformed"},
     };
     for (const auto& entry : cases) {
-        const HttpReply reply = ask("GET", entry.target);
+        const HttpReply reply = ask("GET", entry.target).reply;
         EXPECT_EQ(reply.status, entry.status) << entry.target;
         EXPECT_THAT(reply.body.toStdString(), HasSubstr(entry.body)) << entry.target;
     }
-    EXPECT_THAT(ask("GET", "/p/424242").contentType.toStdString(), StartsWith("text/html"));
+    EXPECT_THAT(ask("GET", "/p/424242").reply.contentType.toStdString(), StartsWith("text/html"));
 }
 
 TEST_F(DocumentsServiceTest, aDamagedDocumentIsSaidToBeDamaged)
 {
     place.add("documents/100001.json", "{");
-    EXPECT_EQ(ask("GET", "/p/100001").status, 500);
+    EXPECT_EQ(ask("GET", "/p/100001").reply.status, 500);
     EXPECT_EQ(text(ask("GET", "/office-config/100001"), "result"), "DocumentDamaged");
 }
 
@@ -128,21 +87,21 @@ TEST_F(DocumentsServiceTest, errorsOfTheApiAreJson)
         {"POST", "/api/quill/office/prefetch/config", "{}", 400, "BadRequest"},
     };
     for (const auto& entry : cases) {
-        const HttpReply reply = ask(entry.method, entry.target, entry.body);
-        EXPECT_EQ(reply.status, entry.status) << entry.target << ' ' << entry.body;
+        const Answer reply = ask(entry.method, entry.target, entry.body);
+        EXPECT_EQ(reply.reply.status, entry.status) << entry.target << ' ' << entry.body;
         EXPECT_EQ(text(reply, "result"), entry.result) << entry.target << ' ' << entry.body;
         EXPECT_FALSE(text(reply, "msg").empty());
     }
-    EXPECT_EQ(header(ask("DELETE", "/api/v3/office/files"), "Allow"), QByteArray("GET, HEAD, POST"));
+    EXPECT_EQ(header(ask("DELETE", "/api/v3/office/files").reply, "Allow"), QByteArray("GET, HEAD, POST"));
 
     QByteArray nested(5000, '[');
-    EXPECT_EQ(ask("POST", "/api/quill/office/prefetch/config", nested).status, 400);
+    EXPECT_EQ(ask("POST", "/api/quill/office/prefetch/config", nested).reply.status, 400);
 }
 
 TEST_F(DocumentsServiceTest, opensSavesAndListsADocument)
 {
-    const HttpReply opened = ask("POST", "/api/v3/office/file/100001/preopen/word", "{\"connid\":\"c1\"}");
-    ASSERT_EQ(opened.status, 200);
+    const Answer opened = ask("POST", "/api/v3/office/file/100001/preopen/word", "{\"connid\":\"c1\"}");
+    ASSERT_EQ(opened.reply.status, 200);
     const QJsonObject expected{{QStringLiteral("file_id"), QStringLiteral("100001")},
                                {QStringLiteral("file_version"), QStringLiteral("1")},
                                {QStringLiteral("file_name"), QStringLiteral("Welcome.docx")},
@@ -156,12 +115,12 @@ TEST_F(DocumentsServiceTest, opensSavesAndListsADocument)
     EXPECT_EQ(
         json(ask("PUT", "/api/v3/office/file/100001/content", change)).value(QLatin1String("file_version")),
         2);
-    const HttpReply conflict = ask("PUT", "/api/v3/office/file/100001/content", change);
-    EXPECT_EQ(conflict.status, 409);
+    const Answer conflict = ask("PUT", "/api/v3/office/file/100001/content", change);
+    EXPECT_EQ(conflict.reply.status, 409);
     EXPECT_EQ(text(conflict, "result"), "VersionConflict");
     EXPECT_EQ(json(conflict).value(QLatin1String("file_version")), 2);
 
-    const HttpReply created = ask("POST", "/api/v3/office/files", "{\"officeType\":\"s\"}");
+    const Answer created = ask("POST", "/api/v3/office/files", "{\"officeType\":\"s\"}");
     EXPECT_EQ(text(created, "id"), "100003");
     const QJsonArray files = json(ask("GET", "/api/v3/office/files")).value(QLatin1String("files")).toArray();
     ASSERT_EQ(files.size(), 3);
@@ -195,11 +154,11 @@ TEST_F(DocumentsServiceTest, configurationHoldsThePartsAskedFor)
 
 TEST_F(DocumentsServiceTest, versionsComeFromTheSite)
 {
-    const HttpReply check = ask("GET", "/api/v3/office/prefetch/vcs/100002?office_type=w");
-    EXPECT_EQ(check.body, QByteArray("{\"client_version\":\"2.5.0\",\"office_type\":\"s\"}"));
+    const Answer check = ask("GET", "/api/v3/office/prefetch/vcs/100002?office_type=w");
+    EXPECT_EQ(check.reply.body, QByteArray("{\"client_version\":\"2.5.0\",\"office_type\":\"s\"}"));
 
-    const HttpReply info = ask("POST", "/api/quill/office/prefetch/config",
-                               "[{\"office_type\":\"word\",\"front_ver\":\"1\"},{\"office_type\":\"zz\"},7]");
+    const Answer info = ask("POST", "/api/quill/office/prefetch/config",
+                            "[{\"office_type\":\"word\",\"front_ver\":\"1\"},{\"office_type\":\"zz\"},7]");
     const QJsonArray data = json(info).value(QLatin1String("data")).toArray();
     ASSERT_EQ(data.size(), 1);
     const QJsonObject front = data.first().toObject().value(QLatin1String("front_data")).toObject();
@@ -229,7 +188,7 @@ TEST_F(DocumentsServiceTest, packagesAreDescribedAndHandedOut)
     EXPECT_EQ(text(ask("GET", directory + "quillword"), "sha256"),
               "88d4266fd4e6338d13b845fcf289579d209c897823b9217da3e161936f031589");
 
-    const HttpReply file = ask("GET", directory + "quillword/2.5.0.zip");
+    const HttpReply file = ask("GET", directory + "quillword/2.5.0.zip").reply;
     EXPECT_EQ(file.contentType, QByteArray("application/zip"));
     EXPECT_EQ(file.bodySize(), 4);
     HttpRequest again;
@@ -237,26 +196,26 @@ TEST_F(DocumentsServiceTest, packagesAreDescribedAndHandedOut)
     again.target = directory + "quillword/2.5.0.zip";
     again.ifNoneMatch = header(file, "ETag");
     EXPECT_EQ(service.answer(again).reply.status, 304);
-    EXPECT_EQ(ask("GET", directory + "quillword/9.9.zip").bodySize(), 18);
+    EXPECT_EQ(ask("GET", directory + "quillword/9.9.zip").reply.bodySize(), 18);
 
     for (const char* missing : {"quillvs", "word", "nothing", "quillword/2.5.1.zip", "quillword/2.5.0.tar",
                                 "quillword/..%2Fquill-2.5.0.zip", "..%2Fsecret/1.zip", "quillword/.zip"}) {
-        const HttpReply reply = ask("GET", directory + missing);
-        EXPECT_EQ(reply.status, 404) << missing;
+        const Answer reply = ask("GET", directory + missing);
+        EXPECT_EQ(reply.reply.status, 404) << missing;
         EXPECT_EQ(text(reply, "result"), "NotFound") << missing;
     }
-    EXPECT_EQ(ask("POST", directory + "quillword").status, 405);
+    EXPECT_EQ(ask("POST", directory + "quillword").reply.status, 405);
 }
 
 TEST_F(DocumentsServiceTest, aSessionStartsOnce)
 {
-    const QByteArray first = header(ask("GET", "/office-config/100001"), "Set-Cookie");
+    const QByteArray first = header(ask("GET", "/office-config/100001").reply, "Set-Cookie");
     const QByteArray second =
-        header(ask("POST", "/api/v3/office/file/100001/preopen/word", "{}"), "Set-Cookie");
+        header(ask("POST", "/api/v3/office/file/100001/preopen/word", "{}").reply, "Set-Cookie");
     EXPECT_THAT(first.toStdString(), testing::MatchesRegex("docs_session=[0-9a-f]+; Path=/; HttpOnly"));
     EXPECT_NE(first, second);
     cookie = "a=1; docs_session=abc";
-    EXPECT_TRUE(header(ask("GET", "/office-config/100001"), "Set-Cookie").isEmpty());
+    EXPECT_TRUE(header(ask("GET", "/office-config/100001").reply, "Set-Cookie").isEmpty());
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <QJsonObject>
 #include <QProcess>
 
+#include "support/DriveClient.h"
 #include "support/HttpClient.h"
 #include "support/TemporarySite.h"
 
@@ -74,24 +75,42 @@ TEST(ServerProcess, saysItsPortsAndEndsOnASignal)
     }
 }
 
-TEST(ServerProcess, whatWasSavedSurvivesAKill)
+TEST(ServerProcess, whatItReportedSurvivesAKill)
 {
     const TemporarySite place;
-    const std::string content = R"({"type":"doc","note":"kept"})";
+    const std::string bytes = std::string(1'500'000, 'a') + std::string(500'000, 'b');
+    const DriveClient::Order order{"0", "0", "f", bytes};
+    std::string id;
     {
         ServerProcess server(serveArguments(place));
-        HttpClient client(httpPort(server.readyLine()));
+        const auto port = httpPort(server.readyLine());
+        HttpClient client(port);
         const Response saved = client.ask("PUT", "/api/v3/office/file/100001/content",
-                                          R"({"base_version":1,"content":)" + content + "}");
+                                          R"({"base_version":1,"content":{"note":"kept"}})");
         ASSERT_EQ(saved.body(), R"({"file_version":2,"result":"ok"})");
+        DriveClient drive(client);
+        id = drive.startUpload(order).id;
+        HttpClient sender(port);
+        sender.send("PUT /api/v1/drive/uploads/" + id +
+                    "?offset=0 HTTP/1.1\r\nContent-Length: 2000000\r\n\r\n" + bytes.substr(0, 1'234'567));
+        while (drive.startUpload(order).offset < 1'234'567) {
+        }
         server.end(SIGKILL);
         EXPECT_EQ(server.exitStatus(), -1);
     }
     ServerProcess server(serveArguments(place));
     HttpClient client(httpPort(server.readyLine()));
     const std::string opened = client.ask("POST", "/api/v3/office/file/100001/preopen/word", "{}").body();
-    EXPECT_THAT(opened, testing::HasSubstr(R"("content":{"note":"kept","type":"doc"})"));
+    EXPECT_THAT(opened, testing::HasSubstr(R"("content":{"note":"kept"})"));
     EXPECT_THAT(opened, testing::HasSubstr(R"("file_version":"2")"));
+
+    DriveClient drive(client);
+    const auto upload = drive.startUpload(order);
+    EXPECT_EQ(upload.id, id);
+    ASSERT_EQ(upload.offset, 1'234'567U);
+    drive.upload(id, upload.offset, bytes.substr(upload.offset));
+    const std::string file = DriveClient::id(drive.ask("POST", "/uploads/" + id + "/finish"));
+    EXPECT_TRUE(drive.ask("GET", "/files/" + file + "/content").body() == bytes);
 }
 
 TEST(ServerProcess, commandLine)

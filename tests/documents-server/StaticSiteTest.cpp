@@ -1,23 +1,11 @@
 #include "service/StaticSite.h"
 
-#include <gmock/gmock.h>
-
 #include <QFile>
 
-#include "http/RequestTarget.h"
-#include "support/TemporarySite.h"
+#include "support/ServiceTest.h"
 
 namespace documents {
 namespace {
-
-QByteArray header(const HttpReply& reply, const QByteArray& name)
-{
-    for (const auto& field : reply.headers) {
-        if (field.first == name)
-            return field.second;
-    }
-    return {};
-}
 
 TEST(StaticSite, neverLeavesItsDirectory)
 {
@@ -89,13 +77,6 @@ TEST(StaticSite, knownFilesAreNotSentAgain)
 
     place.add("site/weboffice-static/js/app.js", "new script");
     EXPECT_NE(header(*site.file(path, {}), "ETag"), tag);
-}
-
-TEST(StaticSite, httpDates)
-{
-    EXPECT_EQ(toHttpDate(784111777), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
-    EXPECT_EQ(fromHttpDate("Sun, 06 Nov 1994 08:49:37 GMT"), 784111777);
-    EXPECT_FALSE(fromHttpDate("06 Nov 1994"));
 }
 
 } // namespace

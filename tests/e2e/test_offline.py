@@ -6,7 +6,7 @@ import os
 import time
 import unittest
 
-from e2e_case import BUILD, PROGRAMS, SITE
+from e2e_case import BUILD, PROGRAMS, SITE, TABLE_DOCUMENT
 from helio_shell import DocumentsServer
 from local_packages import installed_packages
 from package_case import PackageCase
@@ -20,6 +20,13 @@ editor.focus();
 document.getSelection().selectAllChildren(editor.querySelector('p'));
 document.getSelection().collapseToEnd();
 document.execCommand('insertText', false, %s);
+"""
+CHANGE_CELL = """
+const cell = document.querySelector('.tabulator-row .tabulator-cell[tabulator-field]');
+cell.dispatchEvent(new MouseEvent('dblclick', {bubbles: true}));
+const input = cell.querySelector('input');
+input.value = 'Offline cell';
+input.dispatchEvent(new Event('change'));
 """
 SAVED = "while (!window.__DOCS_STATE__.saved) await new Promise(r => setTimeout(r, 50));"
 SAVE_STATE = "while (document.getElementById('save-state').textContent !== %s) await new Promise(r => setTimeout(r, 50));"
@@ -102,6 +109,21 @@ class OfflineTest(PackageCase):
         self.assertIn(" First. Second. Third. Fourth.", self.stored())
         self.wait_until(lambda: not self.package_files("unsent.*"), "the journal stayed")
         self.assertIn(" Fourth.", read(self.package_files("content.word")[0]))
+
+    def test_a_cell_changed_without_the_server_is_sent_later(self):
+        shell = self.start()
+        page = self.open(shell, TABLE_DOCUMENT)
+        self.wait_until(lambda: self.package_files("content.vs"), "no copy on the disk")
+        self.stop_server()
+        shell.evaluate(page, CHANGE_CELL)
+        self.wait_until(lambda: any("Offline cell" in read(path) for path in self.package_files("unsent.*")), "not kept")
+        shell.kill()
+        shell = self.start()
+        page = self.open(shell, TABLE_DOCUMENT)
+        self.assert_readable(shell, page, "Offline cell")
+        self.start_server()
+        shell.evaluate(page, SAVED, timeout=60)
+        self.assertIn("Offline cell", read(os.path.join(self.documents, "100002.json")))
 
     def test_a_document_that_moved_on_is_shown_and_the_offline_version_kept_beside_it(self):
         shell, page = self.edit_and_lose_everything()

@@ -4,6 +4,7 @@
 
 #include <boost/asio/ip/tcp.hpp>
 
+#include "http/BodySink.h"
 #include "http/HttpMessage.h"
 #include "http/LinkShaper.h"
 #include "http/RequestLog.h"
@@ -19,6 +20,7 @@ namespace documents {
  */
 struct ConnectionServices
 {
+    std::function<Reception(const HttpRequest&)> receive; ///< of a request whose body is still to come
     std::function<Answer(const HttpRequest&)> answer;
     LinkShaper& shaper;
     RequestLog& log;
@@ -26,10 +28,11 @@ struct ConnectionServices
 };
 
 /**
- * Serve one accepted connection until it ends: HTTP/1.1 with keep-alive, one request after the other, each
- * read whole (body up to 64 MiB, else 413; head up to 32 KiB, else 431; malformed 400), answered through
- * `services.answer`, delayed as the shaper and the answer say, sent and logged. A connection that is silent
- * for a minute is closed. The connection owns itself: it lives as long as an operation of it is pending.
+ * Serve one accepted connection until it ends: HTTP/1.1 with keep-alive, one request after the other. A head
+ * (up to 32 KiB, else 431; malformed 400) goes to `services.receive`; the body is then streamed into the sink
+ * given, or read whole (up to the limit given, else 413) and answered through `services.answer`; delayed as
+ * the shaper and the answer say, sent and logged. A connection that is silent for a minute is closed. The
+ * connection owns itself: it lives as long as an operation of it is pending.
  */
 void serveHttp(boost::asio::ip::tcp::socket socket, const ConnectionServices& services);
 void serveHttps(boost::asio::ip::tcp::socket socket, boost::asio::ssl::context& tls,

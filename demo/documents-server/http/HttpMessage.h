@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -23,6 +24,9 @@ struct HttpRequest
     QByteArray ifModifiedSince;
     std::vector<std::pair<QByteArray, QByteArray>> headers; ///< all fields as sent, these included
 
+    /** The first field of that name, given in lower case; empty when there is none. */
+    QByteArray header(const char* name) const;
+
     /** GET and HEAD: the same reply, the connection leaves out the body for HEAD. */
     bool reads() const { return method == "GET" || method == "HEAD"; }
 };
@@ -34,7 +38,7 @@ struct HttpReply
     QByteArray contentType;
     QByteArray body;
     std::vector<std::pair<QByteArray, QByteArray>> headers;
-    std::shared_ptr<QFile> file = {}; ///< open: its content is sent instead of `body`, piece by piece
+    std::shared_ptr<QFile> file = {}; ///< open: sent instead of `body`, piece by piece from where it stands
     qint64 fileSize = 0;              ///< bytes of it to send
 
     qint64 bodySize() const { return file ? fileSize : body.size(); }
@@ -44,10 +48,12 @@ struct HttpReply
 struct Answer
 {
     HttpReply reply;
+    /** When set, the reply takes a while: called again and again, others in between, until it returns it. */
+    std::function<std::optional<HttpReply>()> work = {};
     std::chrono::milliseconds delay{0};
-    std::optional<qint64> cutAfter; ///< bytes of the body after which the connection is closed
-    bool reset = false;             ///< no reply at all: the connection is reset
-    bool shaped = true;             ///< false: the imitated line is bypassed
+    std::optional<qint64> cutAfter = {}; ///< bytes of the body after which the connection is closed
+    bool reset = false;                  ///< no reply at all: the connection is reset
+    bool shaped = true;                  ///< false: the imitated line is bypassed
 };
 
 } // namespace documents

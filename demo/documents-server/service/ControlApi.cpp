@@ -14,6 +14,7 @@ const QLatin1String shapingResource("shaping");
 const QLatin1String versionsResource("versions");
 const QLatin1String faultResource("fault");
 const QLatin1String logResource("log");
+const QLatin1String driveResource("drive");
 
 } // namespace
 
@@ -34,21 +35,23 @@ Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObje
     return settings;
 }
 
-ControlApi::ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log)
+ControlApi::ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log,
+                       Drive& drive)
     : m_shaper(shaper)
     , m_versions(versions)
     , m_faults(faults)
     , m_log(log)
+    , m_drive(drive)
 {
 }
 
 HttpReply ControlApi::answer(const QString& resource, const HttpRequest& request)
 {
     const QJsonObject done{{QStringLiteral("result"), QStringLiteral("ok")}};
-    if (resource == logResource) {
+    if (resource == logResource || resource == driveResource) {
         if (!request.reads())
             return methodNotAllowed(request.target, QByteArrayLiteral("GET, HEAD"));
-        return log(request.target);
+        return resource == logResource ? log(request.target) : driveTotals();
     }
     if (resource != shapingResource && resource != versionsResource && resource != faultResource)
         return notFound(request.target, QStringLiteral("There is no control resource \"%1\".").arg(resource));
@@ -70,6 +73,17 @@ HttpReply ControlApi::log(const QByteArray& target) const
     return jsonReply(200, {{QStringLiteral("result"), QStringLiteral("ok")},
                            {QStringLiteral("last"), m_log.lastNumber()},
                            {QStringLiteral("requests"), m_log.recent(since)}});
+}
+
+HttpReply ControlApi::driveTotals() const
+{
+    const auto totals = m_drive.totals();
+    if (!totals)
+        return failureReply(totals.error());
+    return jsonReply(200, {{QStringLiteral("folders"), totals->folders},
+                           {QStringLiteral("files"), totals->files},
+                           {QStringLiteral("uploads"), totals->uploads},
+                           {QStringLiteral("bytes"), totals->bytes}});
 }
 
 Failure ControlApi::put(const QString& resource, const QByteArray& body)

@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include "drive/Drive.h"
 #include "http/HttpMessage.h"
 #include "http/LinkShaper.h"
 #include "http/RequestLog.h"
@@ -17,25 +18,30 @@ Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObje
 /**
  * What tests and measurements turn while the server runs: PUT "shaping", "versions" and "fault", each
  * replacing the state of its name, and GET "log" with {"last": number of the last request, "requests": […]},
- * all that are kept or, with "?since=N", those numbered above N. Bad values give 400 and change nothing. For
+ * all that are kept or, with "?since=N", those numbered above N. GET "drive" tells what all drives hold
+ * together:
+ * {"folders","files","uploads": unfinished ones,"bytes"}. Bad values give 400 and change nothing. For
  * one thread.
  */
 class ControlApi
 {
 public:
     /** All are kept by reference and outlive the API. */
-    ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log);
+    ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log,
+               Drive& drive);
 
     HttpReply answer(const QString& resource, const HttpRequest& request);
 
 private:
     HttpReply log(const QByteArray& target) const;
+    HttpReply driveTotals() const;
     Failure put(const QString& resource, const QByteArray& body);
 
     LinkShaper& m_shaper;
     FrontVersions& m_versions;
     FaultRules& m_faults;
     const RequestLog& m_log;
+    Drive& m_drive;
 };
 
 } // namespace documents

@@ -6,6 +6,7 @@
 
 #include "http/Replies.h"
 #include "service/DocumentHtml.h"
+#include "service/JsonBody.h"
 #include "service/SessionCookie.h"
 #include "store/OfficeTypes.h"
 
@@ -20,26 +21,6 @@ HttpReply apiError(int status, const QString& result, const QString& message)
 HttpReply badRequest(const QString& message)
 {
     return apiError(400, QStringLiteral("BadRequest"), message);
-}
-
-Result<QJsonDocument> parseBody(const QByteArray& body)
-{
-    QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(body, &parseError);
-    if (parseError.error == QJsonParseError::NoError)
-        return document;
-    return Error{ErrorCode::Invalid,
-                 QStringLiteral("The body is not JSON: %1.").arg(parseError.errorString())};
-}
-
-Result<QJsonObject> parseObject(const QByteArray& body)
-{
-    const auto document = parseBody(body);
-    if (!document)
-        return document.error();
-    if (!document->isObject())
-        return Error{ErrorCode::Invalid, QStringLiteral("The body is not a JSON object.")};
-    return document->object();
 }
 
 HttpReply withSession(HttpReply reply, const HttpRequest& request)
@@ -79,8 +60,16 @@ HttpReply failureReply(const Error& error)
         return apiError(500, QStringLiteral("DocumentDamaged"), error.text);
     case ErrorCode::VersionConflict:
         return apiError(409, QStringLiteral("VersionConflict"), error.text);
+    case ErrorCode::Conflict:
+        return apiError(409, QStringLiteral("Conflict"), error.text);
     case ErrorCode::Invalid:
         return badRequest(error.text);
+    case ErrorCode::TooLarge:
+        return apiError(413, QStringLiteral("TooLarge"), error.text);
+    case ErrorCode::Sha1Mismatch:
+        return apiError(422, QStringLiteral("sha1Mismatch"), error.text);
+    case ErrorCode::DiskFull:
+        return apiError(507, QStringLiteral("DiskFull"), error.text);
     case ErrorCode::Storage:
         break;
     }

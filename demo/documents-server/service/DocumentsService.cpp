@@ -1,32 +1,14 @@
 #include "service/DocumentsService.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "http/Replies.h"
+#include "service/SpoiltAnswers.h"
 #include "store/OfficeTypes.h"
 
 namespace documents {
 
-namespace {
-
-/** Puts the fault's body in the place of the reply's, as something that nobody keeps. */
-void replaceBody(HttpReply& reply, const QByteArray& body)
-{
-    reply.status = reply.status == 304 ? 200 : reply.status;
-    reply.body = body;
-    reply.file.reset();
-    const auto describesBody = [](const auto& field) {
-        return field.first == "ETag" || field.first == "Last-Modified" || field.first == "Cache-Control";
-    };
-    reply.headers.erase(std::remove_if(reply.headers.begin(), reply.headers.end(), describesBody),
-                        reply.headers.end());
-    reply.headers.emplace_back("Cache-Control", "no-store");
-}
-
-} // namespace
-
-DocumentsService::DocumentsService(DocumentStore& store, const QString& siteDirectory,
+DocumentsService::DocumentsService(DocumentStore& store, Drive& drive, const QString& siteDirectory,
                                    const QString& packageDirectory, Clock clock, LinkShaper& shaper,
                                    const RequestLog& log)
     : m_store(store)
@@ -34,46 +16,56 @@ DocumentsService::DocumentsService(DocumentStore& store, const QString& siteDire
     , m_versions(siteDirectory, std::move(clock))
     , m_packages(packageDirectory)
     , m_api(store, m_versions)
-    , m_control(shaper, m_versions, m_faults, log)
+    , m_drive(drive, store)
+    , m_control(shaper, m_versions, m_faults, log, drive)
 {
+}
+
+Reception DocumentsService::receive(const HttpRequest& head)
+{
+    const auto target = head.method == "PUT" ? parseRequestTarget(head.target) : std::nullopt;
+    const Route route = target ? routeOf(target->segments) : Route();
+    if (route.kind != RouteKind::Drive)
+        return {};
+    if (!DriveApi::isStreamed(route.filePath))
+        return m_drive.receive(route.filePath, *target);
+    // The only chance: such a request does not come to `answer`.
+    const auto fault = m_faults.take(head.target);
+    if (!fault)
+        return m_drive.receive(route.filePath, *target);
+    if (!preventsEffect(*fault))
+        return spoilt(m_drive.receive(route.filePath, *target), *fault);
+    Reception reception;
+    reception.refusal = preventedAnswer(*fault, head.target);
+    return reception;
 }
 
 Answer DocumentsService::answer(const HttpRequest& request)
 {
     Answer answer;
-    if (const auto fault = m_faults.take(request.target))
-        answer = spoilt(*fault, request);
+    const auto fault = m_faults.take(request.target);
+    if (fault)
+        answer =
+            preventsEffect(*fault) ? preventedAnswer(*fault, request.target) : spoilt(reply(request), *fault);
     else
-        answer.reply = reply(request);
+        answer = reply(request);
     answer.shaped = !request.target.startsWith("/_control");
     return answer;
 }
 
-Answer DocumentsService::spoilt(const Fault& fault, const HttpRequest& request)
-{
-    Answer answer;
-    if (fault.status)
-        answer.reply = errorReply(request.target, *fault.status, QStringLiteral("Fault"),
-                                  QStringLiteral("The service was told to fail here."));
-    else if (!fault.reset)
-        answer.reply = reply(request);
-    if (fault.body)
-        replaceBody(answer.reply, *fault.body);
-    if (!fault.location.isEmpty())
-        answer.reply.headers.emplace_back("Location", fault.location);
-    answer.delay = fault.delay;
-    answer.cutAfter = fault.cutAfter;
-    answer.reset = fault.reset;
-    return answer;
-}
-
-HttpReply DocumentsService::reply(const HttpRequest& request)
+Answer DocumentsService::reply(const HttpRequest& request)
 {
     const auto target = parseRequestTarget(request.target);
     if (!target)
-        return errorReply(request.target, 400, QStringLiteral("BadRequest"),
-                          QStringLiteral("The address is malformed."));
+        return {errorReply(request.target, 400, QStringLiteral("BadRequest"),
+                           QStringLiteral("The address is malformed."))};
     const Route route = routeOf(target->segments);
+    return route.kind == RouteKind::Drive ? m_drive.answer(route.filePath, *target, request)
+                                          : Answer{reply(route, *target, request)};
+}
+
+HttpReply DocumentsService::reply(const Route& route, const RequestTarget& target, const HttpRequest& request)
+{
     if (route.kind == RouteKind::Unknown)
         return notFound(request.target, QStringLiteral("There is no such resource."));
     if (route.kind == RouteKind::Control)
@@ -89,7 +81,7 @@ HttpReply DocumentsService::reply(const HttpRequest& request)
         return m_api.save(route.id, request.body);
 
     const QByteArray allowed = allowedMethods(route.kind);
-    return request.reads() && allowed.startsWith("GET") ? read(route, *target, request)
+    return request.reads() && allowed.startsWith("GET") ? read(route, target, request)
                                                         : methodNotAllowed(request.target, allowed);
 }
 

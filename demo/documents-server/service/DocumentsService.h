@@ -2,12 +2,14 @@
 
 #include <QString>
 
+#include "http/BodySink.h"
 #include "http/HttpMessage.h"
 #include "http/LinkShaper.h"
 #include "http/RequestLog.h"
 #include "http/RequestTarget.h"
 #include "service/ControlApi.h"
 #include "service/DocumentsApi.h"
+#include "service/DriveApi.h"
 #include "service/FaultRules.h"
 #include "service/FrontVersions.h"
 #include "service/PackageDirectory.h"
@@ -21,15 +23,20 @@ namespace documents {
 class DocumentsService
 {
 public:
-    /** The store, already open, the shaper and the log are kept by reference and outlive the service. */
-    DocumentsService(DocumentStore& store, const QString& siteDirectory, const QString& packageDirectory,
-                     Clock clock, LinkShaper& shaper, const RequestLog& log);
+    /** Store and drive, already open, the shaper and the log are kept by reference and outlive the service.
+     */
+    DocumentsService(DocumentStore& store, Drive& drive, const QString& siteDirectory,
+                     const QString& packageDirectory, Clock clock, LinkShaper& shaper, const RequestLog& log);
 
+    /** How the body that follows the head is to be received. */
+    Reception receive(const HttpRequest& head);
+
+    /** To a request that is there whole. */
     Answer answer(const HttpRequest& request);
 
 private:
-    Answer spoilt(const Fault& fault, const HttpRequest& request);
-    HttpReply reply(const HttpRequest& request);
+    Answer reply(const HttpRequest& request);
+    HttpReply reply(const Route& route, const RequestTarget& target, const HttpRequest& request);
     HttpReply read(const Route& route, const RequestTarget& target, const HttpRequest& request);
     HttpReply package(const QString& plugin, const HttpRequest& request);
     HttpReply documentPage(const QString& id, const RequestTarget& target, const HttpRequest& request) const;
@@ -42,6 +49,7 @@ private:
     PackageDirectory m_packages;
     FaultRules m_faults;
     DocumentsApi m_api;
+    DriveApi m_drive;
     ControlApi m_control;
 };
 

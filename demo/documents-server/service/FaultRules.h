@@ -18,7 +18,8 @@ struct Fault
     std::optional<QByteArray> body; ///< sent instead of the reply's body, as something not to be stored
     QByteArray location;            ///< of a redirect; empty: none
     std::chrono::milliseconds delay{0};
-    std::optional<qint64> cutAfter; ///< bytes of the body, then the connection is closed
+    std::optional<qint64> cutAfter; ///< bytes of the reply's body, then the connection is closed; of the
+                                    ///< request's when that takes effect while it arrives
     bool reset = false;             ///< the connection is reset, the request has no effect
     std::optional<qint64> times;    ///< requests that it is still there for; none: every one
 };

@@ -37,6 +37,8 @@ Route apiRoute(const QStringList& segments)
 {
     if (startsWith(segments, {"api", "v3", "office"}))
         return officeApiRoute(segments.mid(3));
+    if (startsWith(segments, {"api", "v1", "drive"}))
+        return {RouteKind::Drive, {}, {}, segments.mid(3)};
     if (segments.size() == 5 && startsWith(segments, {"api", "quill", "office", "prefetch", "config"}))
         return {RouteKind::PackageInfo, {}, {}, {}};
     if (segments.size() == 2 && startsWith(segments, {"office-config"}))

@@ -19,6 +19,7 @@ enum class RouteKind {
     PackageInfo,  ///< "/api/quill/office/prefetch/config"
     Package,      ///< "/api/v3/office/package/PLUGIN"
     PackageFile,  ///< "/api/v3/office/package/PLUGIN/VERSION.zip"
+    Drive,        ///< below "/api/v1/drive"; the drive knows its own resources
     Control,      ///< "/_control/RESOURCE"
     Unknown       ///< below "/api", "/office-config" or "/_control", yet none of the above
 };
@@ -28,7 +29,7 @@ struct Route
     RouteKind kind = RouteKind::Unknown;
     QString id;           ///< of the document; the version of a package's file
     QString name;         ///< office type code, package, plug-in or control resource, as the kind has it
-    QStringList filePath; ///< below the site, for SiteFile
+    QStringList filePath; ///< below the site or the drive, for SiteFile and Drive
 };
 
 /** Where a decoded path leads, whatever the method. */

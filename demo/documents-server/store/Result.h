@@ -9,10 +9,14 @@
 namespace documents {
 
 enum class ErrorCode {
-    NotFound,        ///< there is no such document
+    NotFound,        ///< there is no such document, file, folder or upload
     Damaged,         ///< the document's file cannot be read as a document
     VersionConflict, ///< the document has moved on since the version that the change was based on
+    Conflict,        ///< what is there already stands in the way
     Invalid,         ///< what was asked for makes no sense; the text says why
+    TooLarge,        ///< more bytes than were announced or are allowed
+    Sha1Mismatch,    ///< the bytes are not those that were announced
+    DiskFull,        ///< no room; the former state stands
     Storage          ///< the file system refused; the former state stands
 };
 
