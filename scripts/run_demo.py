@@ -28,7 +28,8 @@ def parse_arguments():
 def host_members(build, server):
     """The demo's deployment: documents are shown by the local packages that the build made."""
     packages = plugin_members(installed_packages(build))
-    return merged(server.host_members(**packages), switches(preloading=True, version_check=True, proxy_reset=True))
+    items = switches(preloading=True, version_check=True, proxy_reset=True)
+    return merged(server.host_members(features={"SupportSendFileWindow": True}, **packages), items)
 
 
 def run_with_window(programs, members, text, data_dir):

@@ -9,6 +9,8 @@
 #include <QPointer>
 #include <QProcess>
 
+#include <utility>
+
 namespace shell {
 
 using namespace vlt::cloudsvr;
@@ -26,7 +28,7 @@ QString deployedVersion(const zeolite::PluginDirectories& plugin)
 } // namespace
 
 CloudServiceLink::CloudServiceLink(ShellCloudSvrProxy& proxy, ZeoliteHost& services, const QString& dataDir,
-                                   QObject* parent)
+                                   StartDiagnosis startDiagnosis, QObject* parent)
     : QObject(parent)
     , m_services(services)
 {
@@ -36,6 +38,7 @@ CloudServiceLink::CloudServiceLink(ShellCloudSvrProxy& proxy, ZeoliteHost& servi
     hooks.start = [service](const QString& commandLine, bool wait) {
         return service && service->startService(QProcess::splitCommand(commandLine), wait);
     };
+    hooks.startDiagnosis = std::move(startDiagnosis);
     m_services.setCloudServiceHooks(std::move(hooks));
     connect(&proxy, &ShellCloudSvrProxy::serviceEvent, this, &CloudServiceLink::onServiceEvent);
 

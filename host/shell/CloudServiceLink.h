@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+
 class ShellCloudSvrProxy;
 class ZeoliteHost;
 
@@ -17,9 +19,13 @@ class CloudServiceLink final : public QObject
 {
     Q_OBJECT
 public:
+    /** See NCloudSvrProxy::startDiagnosis. */
+    using StartDiagnosis =
+        std::function<bool(int kind, const QString& applicationId, int& resultCode, const QString& title)>;
+
     /** `dataDir` is the service's. `services` outlives this, `proxy` may go earlier. */
     CloudServiceLink(ShellCloudSvrProxy& proxy, ZeoliteHost& services, const QString& dataDir,
-                     QObject* parent = nullptr);
+                     StartDiagnosis startDiagnosis = {}, QObject* parent = nullptr);
     ~CloudServiceLink() override;
 
 private:

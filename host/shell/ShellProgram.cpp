@@ -1,9 +1,10 @@
 #include "shell/ShellProgram.h"
 
 #include "shell/CloudServiceLink.h"
-#include "shell/HeadlessDialogs.h"
 #include "shell/UserSession.h"
+#include "shell/cloud/CloudWindows.h"
 #include "shell/control/ControlSession.h"
+#include "shell/dialogs/UnattendedDialogs.h"
 #include "shell/pages/PageDirectory.h"
 #include "shell/pages/PageOpener.h"
 #include "shell/system/AddOnLibrary.h"
@@ -120,8 +121,8 @@ void ShellProgram::startServices()
     nrt::host::configure(runtimeSetup(m_setup.host, m_setup.dataDir));
     m_services = std::make_unique<ZeoliteHost>(servicesSetup(m_setup.host, m_setup.dataDir));
     m_pages = std::make_unique<PageDirectory>();
-    if (m_setup.line.headless)
-        m_headlessDialogs = std::make_unique<HeadlessDialogs>();
+    if (m_setup.line.headless || m_setup.line.control)
+        m_unattendedDialogs = std::make_unique<UnattendedDialogs>(m_dialogAnswers);
     if (m_setup.line.control)
         m_control = std::make_unique<ControlSession>(std::move(m_setup.streams), *m_services, *m_pages);
 }
@@ -155,13 +156,18 @@ void ShellProgram::startWindows()
         QCoreApplication::applicationDirPath() + QStringLiteral("/vltcloudsvr"), m_setup.dataDir, {}};
     setup.cloudService.apiUrl = m_setup.host.domains.value(QStringLiteral("quill_api"));
     setup.cloudService.resolve = m_setup.host.resolve;
+    setup.offersSystemPrograms = !m_setup.line.headless;
     m_application = std::make_unique<ShellApplication>(setup);
     connect(m_application.get(), &ShellApplication::pageAdded, m_pages.get(), &PageDirectory::onPageAdded);
     connect(m_application.get(), &ShellApplication::pageRemoved, m_pages.get(),
             &PageDirectory::onPageRemoved);
     m_user = std::make_unique<UserSession>(m_setup.host.user, *m_application, *m_services);
-    m_cloudService =
-        std::make_unique<CloudServiceLink>(m_application->cloudService(), *m_services, m_setup.dataDir);
+    CloudWindows::Attendance attendance;
+    attendance.answers = m_unattendedDialogs ? &m_dialogAnswers : nullptr;
+    attendance.signsInUnasked = m_setup.line.headless;
+    m_cloudWindows = std::make_unique<CloudWindows>(*m_application, *m_user, attendance);
+    m_cloudService = std::make_unique<CloudServiceLink>(m_application->cloudService(), *m_services,
+                                                        m_setup.dataDir, m_cloudWindows->diagnosisStarter());
     m_opener = std::make_unique<PageOpener>(*m_application, *m_pages);
     m_browser->setNewPageHandler([this](NHelioBrowserWidgetBase* opener, IHelioBrowserPageFactory* factory,
                                         const QUrl& url) { m_opener->openForBrowser(opener, factory, url); });
@@ -174,7 +180,7 @@ void ShellProgram::connectControl()
     connect(m_browser.get(), &nheliostat::browser::BrowserEnvironment::requestFinished,
             &m_control->notifications(), &HostNotifications::onRequestFinished);
     connect(m_control.get(), &ControlSession::ended, QCoreApplication::instance(), &QCoreApplication::quit);
-    m_control->serve(*m_application, *m_user);
+    m_control->serve(*m_application, *m_user, m_dialogAnswers);
 }
 
 QString ShellProgram::loadAddOn()

@@ -2,6 +2,7 @@
 
 #include "shell/config/CommandLine.h"
 #include "shell/config/HostFile.h"
+#include "shell/dialogs/DialogAnswers.h"
 #include "shell/system/QuitSignals.h"
 #include "shell/system/StandardStreams.h"
 
@@ -21,8 +22,9 @@ class BrowserEnvironment;
 namespace shell {
 
 class CloudServiceLink;
+class CloudWindows;
 class ControlSession;
-class HeadlessDialogs;
+class UnattendedDialogs;
 class PageDirectory;
 class PageOpener;
 class UserSession;
@@ -64,13 +66,15 @@ private:
     // loaded.
     QuitSignals m_quitSignals;
     std::unique_ptr<ZeoliteHost> m_services;
-    std::unique_ptr<HeadlessDialogs> m_headlessDialogs;
+    DialogAnswers m_dialogAnswers;
+    std::unique_ptr<UnattendedDialogs> m_unattendedDialogs;
     std::unique_ptr<PageDirectory> m_pages;
     std::unique_ptr<ControlSession> m_control;
     std::unique_ptr<nheliostat::browser::BrowserEnvironment> m_browser;
     std::unique_ptr<UserSession> m_user;
     std::unique_ptr<CloudServiceLink> m_cloudService;
     std::unique_ptr<PageOpener> m_opener;
+    std::unique_ptr<CloudWindows> m_cloudWindows;
     std::unique_ptr<ShellApplication> m_application;
 };
 

@@ -34,7 +34,6 @@ UserSession::UserSession(HostUser user, ShellApplication& application, ZeoliteHo
 {
     m_services.dataCollection().setUserId(m_deployed.loggedIn ? m_deployed.userId : QString());
     m_services.setAuthProvider(std::make_unique<AccountAuth>(application));
-    connect(&m_application, &ShellApplication::loginRequested, this, &UserSession::signIn);
 }
 
 QString UserSession::merge(const QJsonObject& members)
@@ -57,6 +56,19 @@ void UserSession::signIn()
     HostUser user = m_deployed;
     user.loggedIn = true;
     setUser(user);
+}
+
+QString UserSession::signIn(const QString& userId, const QString& password)
+{
+    // The deployment holds no passwords: whoever it names may sign in with any.
+    if (userId.isEmpty() || password.isEmpty())
+        return tr("Enter your user name and your password.");
+    if (m_deployed.userId.isEmpty())
+        return tr("No user is set up for this shell.");
+    if (userId != m_deployed.userId)
+        return tr("There is no user \"%1\", or the password is wrong.").arg(userId);
+    signIn();
+    return {};
 }
 
 void UserSession::setUser(const HostUser& user)

@@ -24,8 +24,12 @@ public:
     /** Takes over the members given and raises the login signal. Empty, or the error that names the member.
      */
     QString merge(const QJsonObject& members);
+    /** The user that the host file names; may be empty. */
+    const QString& deployedUserId() const { return m_deployed.userId; }
     /** Signs the user of the host file in; only logs when it names none. */
     void signIn();
+    /** Signs a user in who came with a password. Empty, or why not: for people. */
+    QString signIn(const QString& userId, const QString& password);
 
 private:
     void setUser(const HostUser& user);

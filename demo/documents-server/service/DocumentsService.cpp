@@ -100,6 +100,8 @@ HttpReply DocumentsService::read(const Route& route, const RequestTarget& target
     case RouteKind::PackageFile:
         return m_packages.file(route.name, route.id, request);
     case RouteKind::Home:
+        if (const auto page = m_site.file({route.name + QStringLiteral(".html")}, request))
+            return *page;
         return siteFile({QStringLiteral("home.html")}, request);
     case RouteKind::DocumentPage:
         return documentPage(route.id, target, request);

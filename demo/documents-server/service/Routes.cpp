@@ -56,7 +56,7 @@ Route routeOf(const QStringList& segments)
         startsWith(segments, {"_control"}))
         return apiRoute(segments);
     if (segments.isEmpty() || (segments.size() == 1 && !segments.first().contains(u'.')))
-        return {RouteKind::Home, {}, {}, {}};
+        return {RouteKind::Home, {}, segments.value(0), {}};
     if (segments.size() == 2 && (startsWith(segments, {"p"}) || startsWith(segments, {"l"})))
         return {RouteKind::DocumentPage, segments.at(1), {}, {}};
     if (segments.size() == 3 && startsWith(segments, {"office", "new"}))

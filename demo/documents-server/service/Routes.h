@@ -7,7 +7,8 @@
 namespace documents {
 
 enum class RouteKind {
-    Home,         ///< the list of documents, under "/" and every one-segment path without a dot
+    Home,         ///< the page that a one-segment path without a dot names; the list of documents for "/"
+                  ///< and where there is no such page
     DocumentPage, ///< "/p/ID", "/l/ID"
     NewPage,      ///< "/office/new/TYPE"
     SiteFile,     ///< a file of the site
@@ -27,8 +28,8 @@ enum class RouteKind {
 struct Route
 {
     RouteKind kind = RouteKind::Unknown;
-    QString id;           ///< of the document; the version of a package's file
-    QString name;         ///< office type code, package, plug-in or control resource, as the kind has it
+    QString id;   ///< of the document; the version of a package's file
+    QString name; ///< office type code, package, plug-in or control resource or page, as the kind has it
     QStringList filePath; ///< below the site or the drive, for SiteFile and Drive
 };
 

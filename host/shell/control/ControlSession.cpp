@@ -1,5 +1,7 @@
 #include "shell/control/ControlSession.h"
 
+#include "shell/control/DialogMethods.h"
+
 #include <utility>
 
 namespace shell {
@@ -16,12 +18,13 @@ ControlSession::ControlSession(ControlStreams streams, ZeoliteHost& services, Pa
 {
 }
 
-void ControlSession::serve(ShellApplication& application, UserSession& user)
+void ControlSession::serve(ShellApplication& application, UserSession& user, DialogAnswers& answers)
 {
     m_pageMethods.emplace(application, m_pages);
     m_shellMethods.emplace(application, m_pages, m_services, user);
     m_dispatcher.add(m_pageMethods->methods());
     m_dispatcher.add(m_shellMethods->methods());
+    m_dispatcher.add({dialogAnswerMethod(answers)});
     m_reader.emplace(std::move(m_input));
     connect(&*m_reader, &LineReader::lineRead, this, &ControlSession::onLine);
     connect(&*m_reader, &LineReader::lineTooLong, this, &ControlSession::onLineTooLong);

@@ -14,6 +14,8 @@
 
 namespace shell {
 
+class DialogAnswers;
+
 /**
  * The control protocol on a pair of streams: JSON-RPC requests in, responses and notifications out.
  * Notifications begin with the construction; requests are read from `serve` on. User-interface thread.
@@ -26,7 +28,7 @@ public:
                    QObject* parent = nullptr);
 
     /** Starts to obey; to be called once. The arguments live until the last event was handled. */
-    void serve(ShellApplication& application, UserSession& user);
+    void serve(ShellApplication& application, UserSession& user, DialogAnswers& answers);
     HostNotifications& notifications() { return m_notifications; }
 
 Q_SIGNALS:

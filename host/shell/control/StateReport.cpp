@@ -9,6 +9,7 @@
 #include "nheliostat/framework/ShellMainWindow.h"
 #include "nheliostat/framework/ShellTab.h"
 
+#include <QApplication>
 #include <QJsonArray>
 #include <QMetaMethod>
 #include <QVariant>
@@ -59,6 +60,14 @@ QJsonObject windowState(const NHelioMainWindow& window, const PageDirectory& pag
             {QStringLiteral("pages"), ids}};
 }
 
+/** Windows of the cloud and dialogs, not menus and tips. */
+bool isOtherWindow(const QWidget& widget)
+{
+    const Qt::WindowType type = widget.windowType();
+    return widget.isVisible() && (type == Qt::Window || type == Qt::Dialog) &&
+           !qobject_cast<const NHelioMainWindow*>(&widget);
+}
+
 } // namespace
 
 QJsonObject pageState(NHelioAppPage& page, const ShellApplication& application, const PageDirectory& pages)
@@ -83,7 +92,14 @@ QJsonObject shellState(const ShellApplication& application, const PageDirectory&
     const QVector<NHelioMainWindow*> all = application.mainWindows();
     for (const NHelioMainWindow* window : all)
         windows.append(windowState(*window, pages));
-    return {{QStringLiteral("windows"), windows}};
+    QJsonArray others;
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (const QWidget* widget : widgets) {
+        if (isOtherWindow(*widget))
+            others.append(QJsonObject{{QStringLiteral("name"), widget->objectName()},
+                                      {QStringLiteral("title"), widget->windowTitle()}});
+    }
+    return {{QStringLiteral("windows"), windows}, {QStringLiteral("otherWindows"), others}};
 }
 
 } // namespace shell

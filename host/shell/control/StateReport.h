@@ -17,7 +17,8 @@ QJsonObject pageState(NHelioAppPage& page, const ShellApplication& application, 
 
 /**
  * What shell.state answers: "windows", each {"title", "currentPage" (id or null), "tabs": [{"page",
- * "title"}], "pages": [id]}, in order.
+ * "title"}], "pages": [id]}, in order, and "otherWindows", each {"name", "title"}: those beside them that are
+ * in sight.
  */
 QJsonObject shellState(const ShellApplication& application, const PageDirectory& pages);
 

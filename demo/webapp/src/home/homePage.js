@@ -50,11 +50,6 @@ function tell(text) {
 }
 
 window.__HOME_STARTED__ = true;
-// A server that has no page for the drive's path answers it with this one.
-if (window.location.pathname === '/drive') {
-  window.location.replace(`/drive.html${window.location.search}${window.location.hash}`);
-} else {
-  showDocuments();
-  const native = new NativeSide(window);
-  mountAccountCorner({ native, header: document.querySelector('.title-bar'), notify: tell, onChange: showDocuments });
-}
+showDocuments();
+const native = new NativeSide(window);
+mountAccountCorner({ native, header: document.querySelector('.title-bar'), notify: tell, onChange: showDocuments });

@@ -37,12 +37,12 @@ export class JournalWriter {
 
   /** The content as it is now. Resolves when it is on the disk; rejects when it could not be written. */
   record(content) {
-    return this.#then(() => this.#bring(content, ''));
+    return this.#bringInTurn(content, '');
   }
 
   /** The content is being sent. */
   sending(content) {
-    return this.#then(() => this.#bring(content, sentLine()));
+    return this.#bringInTurn(content, sentLine());
   }
 
   /** What was sent last was saved. */
@@ -67,8 +67,8 @@ export class JournalWriter {
     return this.#then(async () => {
       if (!this.#exists) return;
       this.#isOpen = false;
+      await this.#files.removeJournal((this.#generation + 1) % 2); // the older one first, should it still be there
       await this.#files.removeJournal(this.#generation % 2);
-      await this.#files.removeJournal((this.#generation + 1) % 2);
       this.#exists = false;
     });
   }
@@ -79,8 +79,12 @@ export class JournalWriter {
     return result;
   }
 
-  async #bring(content, ending) {
+  #bringInTurn(content, ending) {
     const text = JSON.stringify(content);
+    return this.#then(() => this.#bring(content, text, ending));
+  }
+
+  async #bring(content, text, ending) {
     const isLong = this.#length > Math.max(shortJournal, this.#startLength);
     if (!this.#isOpen || isLong) {
       await this.#start(content, text, ending);

@@ -2,10 +2,10 @@ import { sameJson } from '../document/sameJson.js';
 import { loadPart } from '../ui/parts.js';
 import { readLocalCopy } from './localCopy.js';
 import { PackageFiles, readRecord } from './PackageFiles.js';
+import { PageLock } from './PageLock.js';
 import { StorageBridge } from './StorageBridge.js';
 
-/** How long a page waits for an earlier page of the same document, which is being taken down. */
-const longestLockMs = 1000;
+const nothingKept = { copy: null, generation: 0 };
 
 /**
  * Editing without the server, where the desktop side offers it: what is unsaved is kept on this computer. One page at
@@ -53,46 +53,35 @@ export class OfflineEditing {
   }
 
   #release() {
-    if (this.#asked && this.#asked.lock) this.#asked.lock.then((lock) => lock && lock.release());
+    if (this.#asked && this.#asked.lock) this.#asked.lock.release();
     this.#asked = null;
   }
 
+  /** A document that another page keeps is opened without waiting for that. */
   #read(asked) {
-    asked.lock = this.#lock(asked.fileId);
-    const nothing = { copy: null, generation: 0 };
-    asked.kept = (async () => {
-      if (!(await asked.lock)) return nothing;
+    asked.lock = new PageLock(this.#window.navigator.locks, `offline-${asked.fileId}`);
+    asked.kept = asked.lock.atOnce.then((isOwn) => (isOwn ? this.#readNow(asked) : nothingKept));
+  }
+
+  async #readNow(asked) {
+    if (asked.files === null) {
       const injected = readRecord(this.#injected._LOCAL_INJECT_DATA_FILEINFO, asked.fileId);
       const record = injected || readRecord(await this.#storage.select(asked.fileId).catch(() => null), asked.fileId);
-      if (record === null) return nothing;
+      if (record === null) return nothingKept;
       asked.files = new PackageFiles(this.#storage, record, this.#typeCode);
-      return readLocalCopy(asked.files);
-    })();
+    }
+    return readLocalCopy(asked.files);
   }
 
   /** After the session before has written its last. */
   #readAgain(asked) {
     const last = this.#keeper ? this.#keeper.ended : null;
-    asked.kept = Promise.resolve(last).then(() => readLocalCopy(asked.files));
+    asked.kept = Promise.resolve(last).then(() => this.#readNow(asked));
   }
 
   get #injected() {
     const inject = this.#window.__INJECT__;
     return typeof inject === 'object' && inject !== null ? inject : {};
-  }
-
-  /** @returns {Promise<{release(): void} | null>} null when another page keeps this document */
-  #lock(fileId) {
-    const { locks } = this.#window.navigator;
-    if (!locks) return Promise.resolve({ release() {} });
-    const limit = new AbortController();
-    const timer = setTimeout(() => limit.abort(), longestLockMs);
-    return new Promise((resolve) => {
-      locks.request(`offline-${fileId}`, { signal: limit.signal }, () => new Promise((release) => {
-        clearTimeout(timer);
-        resolve({ release });
-      })).catch(() => resolve(null));
-    });
   }
 
   /** Keeps a session's changes from now on. Called when the document can be edited; never rejects. */
@@ -111,8 +100,8 @@ export class OfflineEditing {
       if (asked === null || isAnswered || !this.#storage.present || !(await this.#storage.isOffered())) return;
       this.#read(asked);
     }
-    if (!(await asked.lock)) return;
-    if (this.#keeper) this.#readAgain(asked);
+    if (!(await asked.lock.held)) return;
+    if (this.#keeper || !(await asked.lock.atOnce)) this.#readAgain(asked);
     const [{ Keeper }, kept] = await Promise.all([loadPart('offline'), asked.kept]);
     if (!asked.files) {
       const record = readRecord(await this.#storage.create(asked.fileId), asked.fileId);

@@ -1,5 +1,7 @@
 import { officeType } from '../document/officeTypes.js';
 
+const missingFile = 'targetPath does not exist';
+
 /** The files of one document's package on this computer that editing without the server needs. */
 export class PackageFiles {
   #storage;
@@ -60,8 +62,9 @@ export class PackageFiles {
   async #textOf(place) {
     try {
       return await this.#storage.readText(this.#localId, place);
-    } catch {
-      return null;
+    } catch (error) {
+      if (error.message === missingFile) return null;
+      throw error; // it may hold something
     }
   }
 }

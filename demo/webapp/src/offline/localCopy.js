@@ -41,6 +41,11 @@ export async function readLocalCopy(files) {
   return { copy: copyFile === null ? null : fromCopyFile(copyFile), generation: 0 };
 }
 
+/** What cannot be read is not shown; it stays as it is. */
+function readable(kept) {
+  return kept.catch(() => ({ copy: null, generation: 0 }));
+}
+
 function within(promise, timers) {
   let timer;
   const limit = new Promise((resolve) => { timer = timers.setTimeout(() => resolve(null), longestReadMs); });
@@ -50,7 +55,7 @@ function within(promise, timers) {
 /** @param {Promise<{copy: LocalCopy | null}> | null} kept @returns {Promise<LocalCopy | null>} */
 export async function unsentCopy(kept, timers = globalThis) {
   if (kept === null) return null;
-  const found = await within(kept, timers);
+  const found = await within(readable(kept), timers);
   return found && found.copy && found.copy.unsent ? found.copy : null;
 }
 
@@ -77,5 +82,5 @@ export async function copyToOpen({ injected, kept, reply }, timers = globalThis)
   const first = await Promise.race([unsentCopy(kept, timers), reply.then(() => null)]);
   if (first) return first;
   if (!isAway(await reply)) return null;
-  return (await kept).copy;
+  return (await readable(kept)).copy;
 }
