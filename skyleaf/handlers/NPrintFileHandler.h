@@ -4,11 +4,12 @@
 
 #include <QPointer>
 
-/** The script handler "docs.print": printing through the suite. */
+/** The script handler "docs.print": printing through the suite. User-interface thread. */
 class NPrintFileHandler : public NxWebViewJSApiHandler
 {
     Q_OBJECT
 public:
+    /** `host` is the page's widget, the parent of the file dialog; may be null. */
     NPrintFileHandler(QObject* parent, NxWebViewAsynJSObject* scriptObject, QObject* host);
 
     void setHost(QObject* host) { m_host = host; }
@@ -20,5 +21,7 @@ public Q_SLOTS:
     void printFileByZeo(NxWebViewJSContext& context);
 
 private:
+    void raisePrintResult(const QJsonObject& result) const;
+
     QPointer<QObject> m_host;
 };

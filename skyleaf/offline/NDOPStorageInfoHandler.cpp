@@ -203,7 +203,7 @@ void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
     if (nrt::dirs::inBlackDownloadDir(path))
         return replyError(context, QStringLiteral("relativePos unsafe in installRootDir"));
     if (!npackagefiles::isPlaceWithin(root, path))
-        return replyError(context, QStringLiteral("relativePos leaves the package"));
+        return replyError(context, QStringLiteral("relativePos is invalid"));
     m_downloadCallback = context.getValue(QStringLiteral("callback")).toString();
     host->downloadPackage(transfer.address, path);
 }

@@ -4,21 +4,36 @@
 
 #include <QPointer>
 
-/** The script handler "webview.preload": replies that the page fetched in advance. */
+class IPreloadedReplies;
+class QTimer;
+
+/**
+ * The script handler "webview.preload": replies that the page fetched in advance, by their keys. A reply that
+ * is still on its way is waited for. User-interface thread.
+ */
 class NDOPWebviewPreloadHandler : public NDocsOfflinePageJSApiHandlerBase
 {
     Q_OBJECT
 public:
+    /** `host` is an IPreloadedReplies, or null: then nothing can be asked for. */
     NDOPWebviewPreloadHandler(QObject* parent, NxWebViewAsynJSObject* scriptObject, QObject* host);
 
     void setHost(QObject* host) { m_host = host; }
-    /** Answers the page when it waits for the key. */
+    /** Answers the script when it waits for the key. Times are milliseconds since the epoch, -1 for none. */
     void notifyDOPPreloadData(const QString& key, const QByteArray& body, qint64 startMs, qint64 endMs,
                               const QString& error);
 
 public Q_SLOTS:
     void prefetch(NxWebViewJSContext& context);
 
+    void onResopnseTimeout();
+
 private:
+    const IPreloadedReplies* preloadedReplies() const;
+    void startTimer(const QString& key, int timeoutMs);
+    void cancelTimer(const QString& key);
+
+    QMap<QString, QString> m_waiting; //!< key to script callback name
+    QMap<QString, QPointer<QTimer>> m_timers;
     QPointer<QObject> m_host;
 };

@@ -26,8 +26,3 @@ void NDocsOfflinePageJSApiHandlerBase::replyError(NxWebViewJSContext& context, c
     context.reply()["callstatus"] = "error";
     context.reply()["err"] = message.toStdString();
 }
-
-void NDocsOfflinePageJSApiHandlerBase::replyNotServed(NxWebViewJSContext& context) const
-{
-    replyError(context, QStringLiteral("%1 is not available yet").arg(context.method()));
-}

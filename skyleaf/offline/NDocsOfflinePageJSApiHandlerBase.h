@@ -19,8 +19,5 @@ public:
     virtual void replyError(NxWebViewJSContext& context, const QString& message) const;
 
 protected:
-    /** Answers a method that is not served yet. */
-    void replyNotServed(NxWebViewJSContext& context) const;
-
     QMap<QString, QString> m_pendingCallbacks; //!< request id to script callback name
 };

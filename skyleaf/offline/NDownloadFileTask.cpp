@@ -8,6 +8,7 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QPointer>
+#include <QThreadPool>
 #include <QWaitCondition>
 
 #include <optional>
@@ -144,12 +145,15 @@ void NDownloadFileTask::run()
         QObject::connect(*reply, &QObject::destroyed, *reply, [end] {});
     });
 
+    // Waiting for the network keeps no other task of the pool from running.
+    QThreadPool::globalInstance()->releaseThread();
     bool written = true;
     while (const std::optional<QByteArray> bytes = stream->take()) {
         written = file.write(*bytes) == bytes->size() && written;
         m_source->post(pump);
     }
     written = file.flush() && written;
+    QThreadPool::globalInstance()->reserveThread();
     file.close();
     Q_EMIT requestFinished(written);
 }

@@ -1,17 +1,18 @@
 #include "offline/NReadTask.h"
 
-#include <QFile>
+#include "offline/LinklessFiles.h"
 
-#include <utility>
+#include <QFileInfo>
 
-NReadTask::NReadTask(QString path)
-    : m_path(std::move(path))
+NReadTask::NReadTask(const QString& path)
+    : m_path(QFileInfo(path).canonicalFilePath())
 {
 }
 
 void NReadTask::run()
 {
-    QFile file(m_path);
-    const bool ok = file.exists() && file.open(QIODevice::ReadOnly);
-    Q_EMIT finished(ok, ok ? file.readAll() : QByteArray());
+    const std::optional<QByteArray> content = nlinklessfiles::readFile(m_path);
+    m_ok = content.has_value();
+    m_data = content.value_or(QByteArray());
+    Q_EMIT finished(m_ok, m_data);
 }

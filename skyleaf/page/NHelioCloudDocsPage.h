@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nheliostat/NHelioBrowserPageRoot.h"
+#include "offline/IPreloadedReplies.h"
 #include "offline/IStorageTransferHost.h"
 #include "page/NHelioQuillHyperlinkPageFactory.h"
 #include "page/NOpenSteps.h"
@@ -25,14 +26,6 @@ class NHelioMainWindow;
 class NxWebViewContainer;
 class NxWebViewFrame;
 
-/** A reply of the documents server that the page keeps. Times are milliseconds since the epoch. */
-struct NRequestResult
-{
-    QByteArray data;
-    qint64 startTime = 0;
-    qint64 endTime = 0;
-};
-
 /**
  * The shell page that shows the documents web application.
  *
@@ -40,7 +33,9 @@ struct NRequestResult
  * may release the inactive page and load it again. User-interface thread. Owned by the central area; owns its
  * bridge's life only through the browser widget, which is its child.
  */
-class NHelioCloudDocsPage : public NHelioBrowserPageRoot, public IStorageTransferHost
+class NHelioCloudDocsPage : public NHelioBrowserPageRoot,
+                            public IStorageTransferHost,
+                            public IPreloadedReplies
 {
     Q_OBJECT
 public:
@@ -69,6 +64,9 @@ public:
     // What script handlers ask of the page.
     void uploadPackage(const QString& url, const QString& packageInfo, const QString& zipPath) override;
     void downloadPackage(const QString& url, const QString& savePath) override;
+    std::optional<NPreloadedReply> preloadedReply(const QString& key) const override;
+    QJsonObject openFileRequestBody() const override;
+    QList<QPair<QByteArray, QByteArray>> openFileResponseHeaders() const override;
 
     // By name, from the shell.
     Q_INVOKABLE QString getWorkAreaRecoverUrl() const;
@@ -231,7 +229,8 @@ private:
     bool m_networkRequestStarted = false;
     bool m_released = false;
     int m_discardSeconds = 0;
-    QMap<QString, NRequestResult> m_requestResults;
+    QMap<QString, NPreloadedReply> m_requestResults;
+    QString m_requestResultsFileId; //!< whose results they are
     QVector<qint64> m_openTimePoints;
     QString m_pluginName;
     QString m_officeType;

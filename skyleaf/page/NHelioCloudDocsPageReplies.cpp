@@ -78,10 +78,32 @@ void NHelioCloudDocsPage::downloadPackage(const QString& url, const QString& sav
     requestTaskForScript().startDownloadFileFromURL(url, savePath);
 }
 
+std::optional<NPreloadedReply> NHelioCloudDocsPage::preloadedReply(const QString& key) const
+{
+    const auto found = m_requestResults.constFind(key);
+    if (found == m_requestResults.constEnd() || m_requestResultsFileId != m_fileId)
+        return std::nullopt;
+    return *found;
+}
+
+QJsonObject NHelioCloudDocsPage::openFileRequestBody() const
+{
+    return m_requestTask ? m_requestTask->getOpenFileRequestBody() : QJsonObject();
+}
+
+QList<QPair<QByteArray, QByteArray>> NHelioCloudDocsPage::openFileResponseHeaders() const
+{
+    return m_requestTask ? m_requestTask->getOpenFileResponseHeaders()
+                         : QList<QPair<QByteArray, QByteArray>>();
+}
+
 void NHelioCloudDocsPage::keepResult(const NCloudDocsRequestTaskResult& result)
 {
     if (result.replyName.isEmpty())
         return;
+    if (m_requestResultsFileId != result.fileId)
+        m_requestResults.clear();
+    m_requestResultsFileId = result.fileId;
     m_requestResults.insert(result.replyName, {result.data, result.startTime, result.endTime});
     if (m_jsObj)
         m_jsObj->forwardPreloadRequest(result.replyName, result.data, result.startTime, result.endTime);

@@ -144,4 +144,9 @@ bool isOfflineEditMasterSwitchOn()
     return on();
 }
 
+bool isDocsPrintSupported()
+{
+    return nrt::product::getFuncSwitchState(QStringLiteral("isSupportVltDocsPrint"), true);
+}
+
 } // namespace NDocsOfflinePage

@@ -58,5 +58,7 @@ private:
 bool isDopMasterSwitchOn();
 /** Editing without the server as a whole; read once per process. */
 bool isOfflineEditMasterSwitchOn();
+/** Whether documents are printed through the suite. */
+bool isDocsPrintSupported();
 
 } // namespace NDocsOfflinePage

@@ -47,7 +47,7 @@ class StorageTest(PackageCase):
                                          ("download", {"localId": "..", "serverAddress": "https://d.test/", "relativePos": "a"},
                                           "localPckRootPath isEmpty"),
                                          ("download", {"localId": "x", "serverAddress": "https://d.test/",
-                                                       "relativePos": "../../y"}, "relativePos leaves the package")):
+                                                       "relativePos": "../../y"}, "relativePos is invalid")):
             answer = shell.evaluate(page, "return await helio.call('docs.storage.info.%s', %s)" % (method, json.dumps(arguments)))
             self.assertEqual(answer, {"callstatus": "error", "err": error}, method)
 
