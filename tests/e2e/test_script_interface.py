@@ -57,6 +57,53 @@ class ScriptInterfaceTest(PackageCase):
                 # The shell answers on: a window that waits does not hold it up.
                 self.assertIn(page, [each for window in shell.call("shell.state")["windows"] for each in window["pages"]], name)
 
+    def test_wrong_arguments_harm_nothing(self):
+        shell = self.start()
+        page = self.open_interface(shell)
+        names = sorted({call["name"] for call in shell.evaluate(page, "return window.helioInterface.calls") if not call["ends"]})
+        answered = shell.evaluate(page, """
+            const huge = 'x'.repeat(1 << 20);
+            const values = [undefined, -1e308, [[]], {a: {b: 1}}, '..\\u0000/'];
+            const members = ['callback', 'data', 'dataCallbackName', 'fileAbsolutePath', 'fileId', 'fileid', 'fileids', 'fileName', 'filename',
+              'files', 'filter', 'groupid', 'key', 'localId', 'parentid', 'relativePos', 'distRelativePos', 'serverAddress', 'packageInfo',
+              'source', 'text/html', 'text/plain', 'image/base64', 'text/uri-list', 'timeout', 'type', 'url', 'x/zqdoc'];
+            let answered = 0;
+            const call = (name, args) => helio.call(name, args).then(() => answered++, () => answered++);
+            for (const name of %s) {
+              for (const value of values) call(name, Object.fromEntries(members.map((member) => [member, value])));
+              if (!name.startsWith('open')) call(name, {data: huge, fileName: huge, relativePos: huge, localId: 'x', 'text/html': huge});
+            }
+            await new Promise((done) => setTimeout(done, 3000));
+            return answered;""" % json.dumps(names), timeout=120)
+        self.assertGreater(answered, len(names))
+        self.assertFalse(os.path.exists(os.path.join(self.packages, "outside.txt")))
+        # Another page still opens and answers.
+        other = self.open_interface(shell)
+        self.assertEqual(shell.evaluate(other, "return (await helio.call('clouddocsApiVersion')).version"), "1.0.0")
+
+    def test_a_page_may_close_while_calls_are_out(self):
+        shell = self.start()
+        for _ in range(5):
+            page = self.open_interface(shell)
+            local_id = shell.evaluate(page, """
+                return await new Promise((resolve) => {
+                  window.__made__ = (text) => resolve(JSON.parse(text).result.localId);
+                  helio.call('docs.storage.info.create', {fileId: 'closing', callback: '__made__'});
+                })""")
+            shell.evaluate(page, """
+                window.__none__ = () => {};
+                const file = {localId: %s, relativePos: 'large', callback: '__none__', dataCallbackName: '__none__', data: 'QUJD'.repeat(1 << 20)};
+                helio.call('docs.storage.file.update', file);
+                helio.call('docs.storage.file.read', file);
+                helio.call('getRoamingMode');
+                helio.call('checkNetwork', {callback: '__none__'});
+                helio.call('webview.preload.prefetch', {key: 'x', dataCallbackName: '__none__', timeout: 50});
+                helio.call('callFileUploader', {});
+                return true""" % json.dumps(local_id))
+            shell.call("page.close", page=page)
+        page = self.open_interface(shell)
+        self.assertEqual(shell.evaluate(page, "return (await helio.call('clouddocsApiVersion')).version"), "1.0.0")
+
 
 if __name__ == "__main__":
     unittest.main()
