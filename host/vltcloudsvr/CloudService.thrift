@@ -11,7 +11,8 @@ struct Caller {
   1: string userId,              // empty: nobody is signed in
   2: string localDataDir,        // of the user's packages; absolute
   3: string apiUrl,              // of the documents service; empty: none
-  4: map<string, string> resolve // "host" or "host:port" to "address:port"
+  4: map<string, string> resolve, // "host" or "host:port" to "address:port"
+  5: string cookies              // of the user's session, "name=value; ..."; never stored
 }
 
 struct CallResult {

@@ -50,12 +50,13 @@ Result<ServiceOptions> parseServiceOptions(const QStringList& arguments)
     const QCommandLineOption idleExit = valueOption(QStringLiteral("idle-exit-seconds"));
     const QCommandLineOption spread = valueOption(QStringLiteral("download-spread-ms"));
     const QCommandLineOption retry = valueOption(QStringLiteral("download-retry-ms"));
+    const QCommandLineOption transferRetry = valueOption(QStringLiteral("transfer-retry-ms"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
 
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions({socket, dataDir, idleExit, spread, retry, help, version});
+    parser.addOptions({socket, dataDir, idleExit, spread, retry, transferRetry, help, version});
     if (!parser.parse(arguments))
         return Error{parser.errorText()};
 
@@ -74,6 +75,7 @@ Result<ServiceOptions> parseServiceOptions(const QStringList& arguments)
     readNumber(parser, idleExit, options.idleExitSeconds, error);
     readNumber(parser, spread, options.downloadSpreadMs, error);
     readNumber(parser, retry, options.downloadRetryMs, error);
+    readNumber(parser, transferRetry, options.transferRetryMs, error);
     if (error.isEmpty() && !parser.positionalArguments().isEmpty())
         error = QStringLiteral("Unexpected argument \"%1\".").arg(parser.positionalArguments().constFirst());
     if (error.isEmpty() && options.dataDir.isEmpty())
@@ -89,7 +91,8 @@ QString serviceHelp()
         "Usage: vltcloudsvr --data-dir DIR [options]\n"
         "\n"
         "Keeps the records and packages of local documents for the shells that share a data\n"
-        "directory, and downloads plug-ins. Shells start it themselves; a second one for the same\n"
+        "directory, transfers files, and downloads plug-ins. Shells start it themselves; a second one for "
+        "the same\n"
         "directory ends at once.\n"
         "\n"
         "Options:\n"
@@ -99,6 +102,7 @@ QString serviceHelp()
         "  --idle-exit-seconds N    ends itself so long after its last client left (30)\n"
         "  --download-spread-ms N   a download of a plug-in begins up to so much later, at random (3000)\n"
         "  --download-retry-ms N    before a failed download is tried again (1000)\n"
+        "  --transfer-retry-ms N    before a failed transfer is tried again the first time (1000)\n"
         "  -h, --help               show this help\n"
         "  -v, --version            show the version\n");
 }

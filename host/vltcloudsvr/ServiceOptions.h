@@ -17,6 +17,7 @@ struct ServiceOptions
     int idleExitSeconds = 30;
     int downloadSpreadMs = 3000;
     int downloadRetryMs = 1000;
+    int transferRetryMs = 1000;
 };
 
 /** Reads the arguments, program name first. The error names the mistake. */

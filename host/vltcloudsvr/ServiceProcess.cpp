@@ -43,6 +43,8 @@ ServiceProcess::~ServiceProcess()
     m_events.close();
     m_server.reset();
     m_downloads.reset();
+    m_transferFunctions.reset();
+    m_transfers.reset();
     m_recordsThread.run([this] { m_documents.reset(); });
 }
 
@@ -72,12 +74,15 @@ ServiceProcess::Start ServiceProcess::start(QString& error)
     connect(m_downloads.get(), &PluginDownloads::installed, this, &ServiceProcess::onInstalled);
     connect(m_downloads.get(), &PluginDownloads::idle, this, [this] { onClientCountChanged(m_clients); });
     addFunctions();
+    startTransfers();
 
     m_server = std::make_unique<SocketServer>(m_place.socketPath);
     connect(m_server.get(), &SocketServer::clientCountChanged, this, &ServiceProcess::onClientCountChanged,
             Qt::QueuedConnection);
     m_idleTimer.start();
-    error = m_server->start(std::make_shared<CallHandler>(m_functions, m_methods, m_events));
+    error = m_server->start(
+        std::make_shared<CallHandler>(m_functions, m_methods, m_events,
+                                      [this](const Caller& caller) { m_transfers->noticeCaller(caller); }));
     return error.isEmpty() ? Start::Done : Start::Failed;
 }
 
@@ -97,6 +102,22 @@ void ServiceProcess::addFunctions()
     m_methods.add(names::downloadPlugin, [this](const Caller& caller, const Values& arguments) {
         return requestPlugin(caller, arguments);
     });
+}
+
+void ServiceProcess::startTransfers()
+{
+    TransferSetup setup;
+    setup.file = m_place.transfersPath();
+    setup.retryMs = m_options.transferRetryMs;
+    setup.clock = &QDateTime::currentMSecsSinceEpoch;
+    m_transfers = std::make_unique<TransferEngine>(setup);
+    m_transferFunctions = std::make_unique<TransferFunctions>(*m_transfers, setup.file);
+    m_transferFunctions->addTo(m_functions);
+    connect(m_transfers.get(), &TransferEngine::changed, this, [this](bool isActive) {
+        m_events.add(names::transfersChanged,
+                     {{QStringLiteral("active"), isActive ? QStringLiteral("1") : QStringLiteral("0")}});
+    });
+    connect(m_transfers.get(), &TransferEngine::idle, this, [this] { onClientCountChanged(m_clients); });
 }
 
 FunctionRegistry::Function ServiceProcess::onRecordsThread(DocumentFunction function)
@@ -137,8 +158,8 @@ void ServiceProcess::onClientCountChanged(int count)
 
 void ServiceProcess::onIdle()
 {
-    // A download that is under way is not given up; its end comes back here.
-    if (!m_downloads->isBusy())
+    // What is under way is not given up; its end comes back here.
+    if (!m_downloads->isBusy() && !m_transfers->isBusy())
         Q_EMIT finished();
 }
 

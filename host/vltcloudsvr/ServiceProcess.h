@@ -5,10 +5,12 @@
 #include "vltcloudsvr/functions/DocumentFunctions.h"
 #include "vltcloudsvr/functions/FunctionRegistry.h"
 #include "vltcloudsvr/functions/SerialThread.h"
+#include "vltcloudsvr/functions/TransferFunctions.h"
 #include "vltcloudsvr/functions/UnzipFunction.h"
 #include "vltcloudsvr/plugins/PluginDownloads.h"
 #include "vltcloudsvr/server/EventLog.h"
 #include "vltcloudsvr/server/SocketServer.h"
+#include "vltcloudsvr/transfers/TransferEngine.h"
 
 #include "nrt/FileLock.h"
 
@@ -33,13 +35,14 @@ public:
     Start start(QString& error);
 
 Q_SIGNALS:
-    /** The last client left long enough ago and no download is under way. */
+    /** The last client left long enough ago and neither a download nor a transfer is under way. */
     void finished();
 
 private:
     using DocumentFunction = CallResult (DocumentFunctions::*)(const Caller&, const Values&);
 
     void addFunctions();
+    void startTransfers();
     FunctionRegistry::Function onRecordsThread(DocumentFunction function);
     CallResult requestPlugin(const Caller& caller, const Values& arguments);
     void onInstalled(const QString& name, const QString& version, const QString& directory);
@@ -54,6 +57,8 @@ private:
     std::unique_ptr<DocumentFunctions> m_documents; //!< lives on the records' thread
     UnzipFunction m_unzip;
     EventLog m_events;
+    std::unique_ptr<TransferEngine> m_transfers;
+    std::unique_ptr<TransferFunctions> m_transferFunctions;
     FunctionRegistry m_functions;
     FunctionRegistry m_methods;
     std::unique_ptr<PluginDownloads> m_downloads;

@@ -5,6 +5,7 @@
 #include "vltcloudsvr/client/ServiceStarter.h"
 #include "vltcloudsvr/common/ServicePlace.h"
 #include "vltcloudsvr/common/Texts.h"
+#include "vltcloudsvr/common/Transfers.h"
 
 #include "CloudService.h"
 
@@ -29,6 +30,7 @@ rpc::Caller written(const Caller& caller)
     target.localDataDir = caller.localDataDir.toStdString();
     target.apiUrl = caller.apiUrl.toStdString();
     target.resolve = toStd(caller.resolve);
+    target.cookies = caller.cookies.toStdString();
     return target;
 }
 
@@ -47,7 +49,7 @@ CallLane::Done replyOn(QObject* context, CloudServiceClient::Reply reply)
 
 } // namespace
 
-/** What long calls keep waiting are long calls. */
+/** What long calls keep waiting are long calls; those for transfers keep their order among themselves. */
 struct CloudServiceClient::Parts
 {
     Parts(CloudServiceClient& owner, const ClientSetup& setup)
@@ -63,6 +65,7 @@ struct CloudServiceClient::Parts
               [&owner] { post(&owner, [&owner] { Q_EMIT owner.serviceLost(); }); })
         , quick(place.socketPath, starter, quickTimeout, [this] { watch.wake(); })
         , patient(place.socketPath, starter, longTimeout, [this] { watch.wake(); })
+        , transfers(place.socketPath, starter, longTimeout, [this] { watch.wake(); })
     {
         starter.setArguments(arguments);
     }
@@ -73,6 +76,14 @@ struct CloudServiceClient::Parts
     EventWatch watch;
     CallLane quick;
     CallLane patient;
+    CallLane transfers;
+
+    CallLane& laneOf(const QString& function)
+    {
+        if (isTransferFunction(function))
+            return transfers;
+        return function == names::unzipDOPFile ? patient : quick;
+    }
 };
 
 CloudServiceClient::CloudServiceClient(const ClientSetup& setup, QObject* parent)
@@ -95,11 +106,12 @@ void CloudServiceClient::call(const Caller& caller, const QString& function, con
         done(false, {});
         return;
     }
-    CallLane& lane = function == names::unzipDOPFile ? m_parts->patient : m_parts->quick;
-    lane.enqueue([caller = written(caller), function = function.toStdString(), arguments = toStd(arguments)](
-                     rpc::CloudServiceClient& service,
-                     rpc::CallResult& result) { service.call(result, caller, function, arguments); },
-                 std::move(done));
+    m_parts->laneOf(function).enqueue(
+        [caller = written(caller), function = function.toStdString(),
+         arguments = toStd(arguments)](rpc::CloudServiceClient& service, rpc::CallResult& result) {
+            service.call(result, caller, function, arguments);
+        },
+        std::move(done));
 }
 
 void CloudServiceClient::tavaIpcCall(const Caller& caller, const tava::TavaIpcArg& argument, Reply reply)

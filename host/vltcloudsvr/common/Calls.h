@@ -25,6 +25,7 @@ struct Caller
     QString localDataDir;           //!< of the user's packages; absolute
     QString apiUrl;                 //!< of the documents service; empty: none
     QMap<QString, QString> resolve; //!< "host" or "host:port" to "address:port"
+    QString cookies{};              //!< of the user's session, "name=value; …"; never stored
 };
 
 struct CallResult

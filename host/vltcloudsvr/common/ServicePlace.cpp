@@ -43,6 +43,11 @@ QString ServicePlace::recordsPath() const
     return dataDir + QStringLiteral("/vltcloudsvr.sqlite");
 }
 
+QString ServicePlace::transfersPath() const
+{
+    return dataDir + QStringLiteral("/vltcloudsvr-transfers.sqlite");
+}
+
 QString ServicePlace::pluginsDir() const
 {
     return dataDir + QStringLiteral("/plugins");

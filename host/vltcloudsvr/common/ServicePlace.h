@@ -16,6 +16,7 @@ struct ServicePlace
 
     QString logPath() const;
     QString recordsPath() const;
+    QString transfersPath() const;
     QString pluginsDir() const;
 };
 

@@ -30,6 +30,13 @@ public:
         QMetaObject::invokeMethod(&m_context, std::move(work), Qt::BlockingQueuedConnection);
     }
 
+    /** The same without waiting; what has not begun when this is destroyed never does. */
+    template <typename Work>
+    void post(Work work)
+    {
+        QMetaObject::invokeMethod(&m_context, std::move(work), Qt::QueuedConnection);
+    }
+
 private:
     QThread m_thread;
     QObject m_context;

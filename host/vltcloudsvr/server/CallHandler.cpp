@@ -12,7 +12,8 @@ constexpr int longestWaitMs = 60'000;
 Caller readCaller(const rpc::Caller& caller)
 {
     return {QString::fromStdString(caller.userId), QString::fromStdString(caller.localDataDir),
-            QString::fromStdString(caller.apiUrl), toQt(caller.resolve)};
+            QString::fromStdString(caller.apiUrl), toQt(caller.resolve),
+            QString::fromStdString(caller.cookies)};
 }
 
 void write(rpc::CallResult& target, const CallResult& result)
@@ -26,8 +27,9 @@ void write(rpc::CallResult& target, const CallResult& result)
 void CallHandler::call(rpc::CallResult& result, const rpc::Caller& caller, const std::string& functionName,
                        const std::map<std::string, std::string>& arguments)
 {
-    write(result,
-          m_functions.call(QString::fromStdString(functionName), readCaller(caller), toQt(arguments)));
+    const Caller known = readCaller(caller);
+    m_onCaller(known);
+    write(result, m_functions.call(QString::fromStdString(functionName), known, toQt(arguments)));
 }
 
 void CallHandler::tavaIpcCall(rpc::CallResult& result, const rpc::Caller& caller,
@@ -36,7 +38,9 @@ void CallHandler::tavaIpcCall(rpc::CallResult& result, const rpc::Caller& caller
     // The only name space there is has no name.
     const std::string name =
         argument.nameSpace.empty() ? argument.method : argument.nameSpace + "." + argument.method;
-    write(result, m_methods.call(QString::fromStdString(name), readCaller(caller), toQt(argument.argMap)));
+    const Caller known = readCaller(caller);
+    m_onCaller(known);
+    write(result, m_methods.call(QString::fromStdString(name), known, toQt(argument.argMap)));
 }
 
 void CallHandler::nextEvents(std::vector<rpc::ServiceEvent>& events, std::int64_t sinceId,

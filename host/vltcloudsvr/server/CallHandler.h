@@ -5,17 +5,24 @@
 
 #include "CloudService.h"
 
+#include <functional>
+#include <utility>
+
 namespace vlt::cloudsvr {
 
 /** What clients can ask for, over the registries. Called on a thread of each connection. */
 class CallHandler final : public rpc::CloudServiceIf
 {
 public:
-    /** The arguments outlive it. `methods` are those of "tavaIpcCall". */
-    CallHandler(const FunctionRegistry& functions, const FunctionRegistry& methods, EventLog& events)
+    using OnCaller = std::function<void(const Caller&)>;
+
+    /** The arguments outlive it. `methods` are those of "tavaIpcCall"; `onCaller` is told of every call. */
+    CallHandler(const FunctionRegistry& functions, const FunctionRegistry& methods, EventLog& events,
+                OnCaller onCaller)
         : m_functions(functions)
         , m_methods(methods)
         , m_events(events)
+        , m_onCaller(std::move(onCaller))
     {
     }
 
@@ -31,6 +38,7 @@ private:
     const FunctionRegistry& m_functions;
     const FunctionRegistry& m_methods;
     EventLog& m_events;
+    const OnCaller m_onCaller;
 };
 
 } // namespace vlt::cloudsvr

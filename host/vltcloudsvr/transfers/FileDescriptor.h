@@ -1,0 +1,42 @@
+#pragma once
+
+#include <unistd.h>
+#include <utility>
+
+namespace vlt::cloudsvr {
+
+/** Owns an open file or directory. */
+class FileDescriptor
+{
+public:
+    explicit FileDescriptor(int descriptor = -1)
+        : m_descriptor(descriptor)
+    {
+    }
+    ~FileDescriptor() { reset(); }
+    FileDescriptor(FileDescriptor&& other) noexcept
+        : m_descriptor(std::exchange(other.m_descriptor, -1))
+    {
+    }
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept
+    {
+        reset(std::exchange(other.m_descriptor, -1));
+        return *this;
+    }
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    int get() const { return m_descriptor; }
+    /** Somebody else closes it. */
+    int release() { return std::exchange(m_descriptor, -1); }
+    void reset(int descriptor = -1)
+    {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+        m_descriptor = descriptor;
+    }
+
+private:
+    int m_descriptor;
+};
+
+} // namespace vlt::cloudsvr
