@@ -64,9 +64,9 @@ qint64 TransferStore::add(const Transfer& row)
 {
     if (row.direction == TransferDirection::Upload && row.kind == Transfer::Kind::File) {
         const auto known = firstNumber(m_database.run(
-            "SELECT id FROM transfers WHERE direction = 0 AND kind = 1 AND context = ? AND path = ? AND "
-            "state "
-            "IN (0, 1) AND parent_row = ? AND group_id = ? AND remote_parent = ? AND remote_id = ? LIMIT 1",
+            "SELECT id FROM transfers WHERE direction = 0 AND kind = 1 AND context = ? AND path = ? "
+            "AND state IN (0, 1) AND parent_row = ? AND group_id = ? AND remote_parent = ? "
+            "AND remote_id = ? LIMIT 1",
             {row.context, bound(row.path), row.parentRow, bound(row.groupId), bound(row.remoteParent),
              bound(row.remoteId)}));
         if (known)
@@ -74,9 +74,8 @@ qint64 TransferStore::add(const Transfer& row)
     }
     QSqlQuery* query = m_database.run(
         "INSERT INTO transfers (context, parent_row, root_row, direction, kind, state, group_id, "
-        "remote_parent, remote_id, history, name, path, root, below, size, message, sha1, code) VALUES (?, "
-        "?, "
-        "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, '', 'item')",
+        "remote_parent, remote_id, history, name, path, root, below, size, message, sha1, code) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, '', 'item')",
         {row.context, row.parentRow, row.rootRow, int(row.direction), int(row.kind), int(row.state),
          bound(row.groupId), bound(row.remoteParent), bound(row.remoteId), bound(row.history),
          bound(row.name), bound(row.path), bound(row.root), bound(row.below), row.size, bound(row.problem)});
@@ -168,10 +167,10 @@ bool TransferStore::finish(const Transfer& row, const TransferEnd& end, qint64 n
 bool TransferStore::endTree(qint64 row, const TransferEnd& end, qint64 now)
 {
     return m_database.run(
-        "WITH RECURSIVE tree (id) AS (SELECT id FROM transfers WHERE parent_row = ? UNION ALL SELECT "
-        "transfers.id FROM transfers JOIN tree ON transfers.parent_row = tree.id) UPDATE transfers SET state "
-        "= "
-        "2, code = ?, detail = 'folder', message = ?, ended = ? WHERE id IN tree AND state IN (0, 1)",
+        "WITH RECURSIVE tree (id) AS (SELECT id FROM transfers WHERE parent_row = ? "
+        "UNION ALL SELECT transfers.id FROM transfers JOIN tree ON transfers.parent_row = tree.id) "
+        "UPDATE transfers SET state = 2, code = ?, detail = 'folder', message = ?, ended = ? "
+        "WHERE id IN tree AND state IN (0, 1)",
         {row, bound(end.code), bound(QStringLiteral("Its folder could not be made: ") + end.message), now});
 }
 
@@ -180,9 +179,8 @@ bool TransferStore::settleFolder(const Transfer& folder, const TransferEnd& end,
     const bool isFinished = end.kind == TransferEnd::Kind::Finished;
     if (!begin())
         return false;
-    bool isWell = m_database.run("UPDATE transfers SET state = ?, code = ?, detail = ?, message = ?, ended = "
-                                 "?, remote_id = ? WHERE id "
-                                 "= ? AND state = 0",
+    bool isWell = m_database.run("UPDATE transfers SET state = ?, code = ?, detail = ?, message = ?, "
+                                 "ended = ?, remote_id = ? WHERE id = ? AND state = 0",
                                  {int(isFinished ? TransferState::Finished : TransferState::Failed),
                                   bound(end.code), bound(end.detail), bound(end.message), now,
                                   bound(isFinished ? end.remoteId : folder.remoteId), folder.id});
