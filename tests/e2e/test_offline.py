@@ -53,7 +53,7 @@ class OfflineTest(PackageCase):
 
     def start_server(self):
         """The server again, at its old address and with its documents, when it is away."""
-        if self.server._process.process.poll() is None:
+        if self.server.is_running:
             return
         ports = ["--http-port", str(self.server.http_port), "--https-port", str(self.server.https_port)]
         type(self).server = DocumentsServer(PROGRAMS, self.documents, SITE, ports)

@@ -142,10 +142,14 @@ class DocumentsServer:
     def pid(self):
         return self._process.process.pid
 
+    @property
+    def is_running(self):
+        return self._process.process.poll() is None
+
     def _wait_until_ready(self, path):
         deadline = time.monotonic() + DEFAULT_TIMEOUT
         while not os.path.exists(path):
-            if self._process.process.poll() is not None or time.monotonic() > deadline:
+            if not self.is_running or time.monotonic() > deadline:
                 with open(self.log_path, encoding="utf-8", errors="replace") as log:
                     raise RuntimeError("the documents server did not start: " + log.read())
             time.sleep(0.02)
