@@ -32,8 +32,9 @@ QString webofficeBranch()
 int reportSampling()
 {
     static NReadOnce<int> sampling([] {
-        const int value = NDOPSettings().value(QStringLiteral("reportPb"), 1).toInt();
-        return value == 0 || value == 1 || value == 1000 ? value : 100;
+        bool isNumber = false;
+        const int value = NDOPSettings().value(QStringLiteral("reportPb"), 1).toInt(&isNumber);
+        return isNumber && (value == 0 || value == 1 || value == 1000) ? value : 100;
     });
     return sampling();
 }

@@ -41,7 +41,7 @@ private:
 
 namespace nfpccombvalues {
 
-/** A value of an item as the store keeps it: bool, integer, text, map or list; invalid for null. */
+/** A value of an item as the store keeps it: bool, integer, text, JSON object or array; invalid for null. */
 QVariant storable(const QJsonValue& value);
 /** The kind of project that the translated texts of a group belong to. */
 int projectType(int groupId);

@@ -62,9 +62,10 @@ void NOpenUsageRecord::checkDay()
 {
     const QDate today = nclock::today();
     if (!m_date.isValid()) {
-        const QVariant stored = nrt::kcc::value(m_dateKey);
-        if (stored.isValid())
-            m_date = QDate::fromJulianDay(stored.toLongLong());
+        bool isDay = false;
+        const qint64 day = nrt::kcc::value(m_dateKey).toLongLong(&isDay);
+        if (isDay)
+            m_date = QDate::fromJulianDay(day);
     }
     if (!m_date.isValid()) {
         m_date = today;

@@ -164,8 +164,8 @@ void NHelioCloudDocsNetwork::_startGetResPckInfo()
     request.url = serviceUrl(path);
     if (!canSend() || request.url.isEmpty() || packageName.isEmpty())
         return;
-    request.headers = {{QStringLiteral("Origin"), requestidentity::originHost()}};
     requestidentity::authenticate(request, QStringLiteral("POST"), path);
+    request.headers.insert(QStringLiteral("Origin"), requestidentity::originHost());
     requestoverride::writeCookies(request);
     request.headers.insert(QStringLiteral("User-Agent"), NxUserAgentUtil::getUserAgent());
     sendPost(request, docsrequests::packageInfoBody(packageName, m_frontVer, m_buildTime),
@@ -179,10 +179,9 @@ void NHelioCloudDocsNetwork::_startGetOfficeConfigInfo(int officeConfigType)
     const bool ssr = officeConfigType == 1;
     if (ssr && !NDOPConfig::instance().isSsrSupported(m_officeType))
         return;
-    const QString path =
-        docsrequests::withStartTime(docsrequests::officeConfigPath(m_fileId, ssr), m_startTime);
+    const QString path = docsrequests::officeConfigPath(m_fileId, ssr);
     DocsRequest request;
-    request.url = serviceUrl(path);
+    request.url = serviceUrl(docsrequests::withStartTime(path, m_startTime));
     if (!canSend() || request.url.isEmpty())
         return;
     request.headers = {{QStringLiteral("Accept"), QByteArrayLiteral("application/json")},
@@ -235,21 +234,21 @@ INetworkManager::Completion NHelioCloudDocsNetwork::completionOf(const QString& 
                                                                  const QString& fileId)
 {
     const auto startMs = static_cast<quint64>(nclock::nowMs());
-    return
-        [client = QPointer<NHelioCloudDocsNetwork>(this), startMs, replyName, fileId](INetworkReply* reply) {
-            if (!client)
-                return;
-            if (client->m_fileId.isEmpty() || client->m_fileId == fileId) {
-                client->onRequestFinished(reply, startMs, replyName);
-                return;
-            }
-            ndocslog::info(QStringLiteral("%1 of file %2 comes too late").arg(replyName, fileId),
-                           "NHelioCloudDocsNetwork::onRequestFinished");
-            if (reply && reply->request())
-                client->_reportNetworkResult(reply->errorCode(), reply->request()->url().toString(),
-                                             nclock::nowMs() - qint64(startMs), reply->networkTimeMs(),
-                                             replyName);
-        };
+    return [client = QPointer<NHelioCloudDocsNetwork>(this), startMs, replyName, fileId,
+            frontVer = m_frontVer](INetworkReply* reply) {
+        if (!client)
+            return;
+        if (client->m_fileId.isEmpty() || client->m_fileId == fileId) {
+            client->onRequestFinished(reply, startMs, replyName, frontVer);
+            return;
+        }
+        ndocslog::info(QStringLiteral("%1 of file %2 comes too late").arg(replyName, fileId),
+                       "NHelioCloudDocsNetwork::onRequestFinished");
+        if (reply && reply->request())
+            client->_reportNetworkResult(reply->errorCode(), reply->request()->url().toString(),
+                                         nclock::nowMs() - qint64(startMs), reply->networkTimeMs(),
+                                         replyName);
+    };
 }
 
 void NHelioCloudDocsNetwork::sendGet(const DocsRequest& request, const QString& replyName,

@@ -60,7 +60,9 @@ Q_SIGNALS:
 public Q_SLOTS:
     void onQueryLocalDataFinish();
     void onFinished(QNetworkReply* reply);
-    void onRequestFinished(INetworkReply* reply, quint64 startMs, const QString& replyName);
+    /** `frontVer`: the front version that the request was sent with. */
+    void onRequestFinished(INetworkReply* reply, quint64 startMs, const QString& replyName,
+                           const QString& frontVer = {});
 
 private:
     bool ensureNetworkManager();

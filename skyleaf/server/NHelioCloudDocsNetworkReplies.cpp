@@ -42,7 +42,7 @@ NHelioCloudDocsNetwork::HeaderPairs pairsOf(const QVariantMap& headers)
 } // namespace
 
 void NHelioCloudDocsNetwork::onRequestFinished(INetworkReply* reply, quint64 startMs,
-                                               const QString& replyName)
+                                               const QString& replyName, const QString& frontVer)
 {
     if (!reply)
         return;
@@ -50,7 +50,7 @@ void NHelioCloudDocsNetwork::onRequestFinished(INetworkReply* reply, quint64 sta
     if (isFileReply(replyName))
         takeFileReply(*reply, replyName);
     Q_EMIT sigRequestFromHostWidgetFinished(replyName, m_officeType, reply->body(), qint64(startMs), endMs,
-                                            m_frontVer);
+                                            frontVer);
     if (reply->request())
         _reportNetworkResult(reply->errorCode(), reply->request()->url().toString(), endMs - qint64(startMs),
                              reply->networkTimeMs(), replyName);

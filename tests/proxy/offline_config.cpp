@@ -92,11 +92,12 @@ TEST_F(OfflineConfig, SettingsHaveTheirDefaultsAndLimits)
     EXPECT_EQ(nsettingsvalues::reportSampling(), 1);
     EXPECT_TRUE(nsettingsvalues::isAccountSdkUsed());
     EXPECT_EQ(nconfigvalues::openFrequency().recordExpiredDays, 30);
-    for (const auto& [stored, used] :
-         {std::pair(5, 100), std::pair(0, 0), std::pair(1000, 1000), std::pair(-1, 100)}) {
+    const std::pair<QVariant, int> samplings[] = {
+        {5, 100}, {0, 0}, {1000, 1000}, {-1, 100}, {QStringLiteral("often"), 100}};
+    for (const auto& [stored, used] : samplings) {
         NDocsOfflinePage::NDOPSettings().setValue(QStringLiteral("reportPb"), stored);
         nreadonce::resetForTest();
-        EXPECT_EQ(nsettingsvalues::reportSampling(), used) << stored;
+        EXPECT_EQ(nsettingsvalues::reportSampling(), used) << stored.toString().toStdString();
     }
 }
 

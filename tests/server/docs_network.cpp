@@ -9,6 +9,7 @@
 
 #include <QFile>
 #include <QJsonDocument>
+#include <QMessageAuthenticationCode>
 #include <QSignalSpy>
 
 #include <fcntl.h>
@@ -112,6 +113,14 @@ TEST_F(DocsNetwork, ARunSendsWhatTheFirstScreenNeeds)
     EXPECT_EQ(server.last(officeConfig).target,
               "/office-config/77?part=file_info,font_name_map,config,plugin_config&startTime=9");
     EXPECT_EQ(server.last(packageInfo).body, R"([{"front_ver":"1.0","office_type":"word"}])");
+    const auto configured = server.last(officeConfig).headers;
+    EXPECT_EQ(configured.value("x-auth-code"),
+              QMessageAuthenticationCode::hash(
+                  "account\npc-office\none\n" + configured.value("x-auth-date") +
+                      "\n/office-config/77?part=file_info,font_name_map,config,plugin_config",
+                  "two", QCryptographicHash::Sha256)
+                  .toHex())
+        << "the time of the load is not part of what is signed";
 
     const NCloudDocsRequestTaskResult result = results.value(QStringLiteral("open_file"));
     EXPECT_EQ(result.frontVer, QStringLiteral("1.0"));
@@ -146,6 +155,27 @@ TEST_F(DocsNetwork, AVersionThatMustBeUpgradedIsNotNamed)
     ASSERT_TRUE(waitUntil([&] { return results.contains(QStringLiteral("open_file")); }));
     EXPECT_EQ(server.last(preopen).body, R"({"connid":"conn"})");
     EXPECT_EQ(results.value(QStringLiteral("open_file")).frontVer, QStringLiteral("1.0"));
+}
+
+TEST_F(DocsNetwork, ALateReplyKeepsTheVersionThatItWasAskedWith)
+{
+    startTask();
+    QStringList versions;
+    QObject::connect(task.get(), &NCloudDocsRequestTask::requestTaskFinished,
+                     [&](const NCloudDocsRequestTaskResult& result) {
+                         if (result.replyName == QLatin1String("get_res_pck_info"))
+                             versions << result.frontVer;
+                     });
+    run();
+    QFile version(package + QStringLiteral("/version"));
+    ASSERT_TRUE(version.open(QIODevice::WriteOnly));
+    version.write("2.0");
+    version.close();
+    nreadonce::resetForTest();
+    run();
+    ASSERT_TRUE(waitUntil([&] { return versions.size() == 2; }));
+    versions.sort();
+    EXPECT_EQ(versions, (QStringList{QStringLiteral("1.0"), QStringLiteral("2.0")}));
 }
 
 TEST_F(DocsNetwork, ARunWithoutAPackageSendsNothing)
