@@ -1,7 +1,7 @@
 """Opens a document of the demo in the shell; called by ./run.
 
 With a display: the documents server and the shell run until the shell's window is closed. Headless: the shell opens the
-document, and the run ends with a screenshot and the time line of the open.
+document, and the run ends with a screenshot, the time line of the open and its picture.
 """
 
 import argparse
@@ -66,6 +66,9 @@ def open_headless(programs, members, text, data_dir, work):
         shell.evaluate(page, "await new Promise(r => requestAnimationFrame(() => setTimeout(r, 300)))")
         picture = os.path.join(work, "screenshot.png")
         shell.call("page.screenshot", page=page, file=picture)
+        stories = [os.path.join(work, "story" + ending) for ending in (".svg", ".png", ".json")]
+        for story in stories:
+            shell.call("story.export", page=page, file=story)
         state = shell.call("page.state", page=page)
         visible = shell.evaluate(page, "return document.body.innerText.slice(0, 400)")
         steps = [n.params["fields"]["step_list"] for n in shell.notifications("event")
@@ -83,6 +86,7 @@ def open_headless(programs, members, text, data_dir, work):
     if steps:
         print("\nSteps since the page was made (ms): " + json.dumps(json.loads(steps[-1])))
     print("\nScreenshot: %s\nTime line:  %s" % (os.path.relpath(picture), os.path.relpath(file.name)))
+    print("Story:      " + ", ".join(os.path.relpath(story) for story in stories))
     return 0
 
 

@@ -12,6 +12,7 @@ from local_packages import plugin_members, switches
 from opening import BadOpening, open_document
 
 DOCUMENT = "100001"
+PREVIEW_PAGE = 48
 PATH = "/p/" + DOCUMENT + "?officeType=w"
 INSTALL_WORKER = """
 try {
@@ -38,6 +39,7 @@ class Mode:
     """A shell that opens the document in one way. `check` says what makes an opening one of this mode."""
 
     letter = label = ""
+    page_type = 1
 
     def __init__(self, programs, server, package):
         self.server = server
@@ -59,7 +61,7 @@ class Mode:
             open_document(self.shell, self.url())
 
     def open(self):
-        report = open_document(self.shell, self.url(), self.before_close)
+        report = open_document(self.shell, self.url(), self.before_close, self.page_type)
         problem = self.check(report)
         if problem:
             raise BadOpening(problem)
@@ -195,4 +197,33 @@ class LocalCopy(Preloading):
         return "the text came from %s, the content from %s" % (report["visibleFrom"], report["contentFrom"])
 
 
-MODES = [ColdNetwork, WarmNetwork, ServiceWorker, LocalPackage, Preloading, DelayedLoad, LocalCopy]
+class TakenOver(Preloading):
+    letter, label = "h", "as (e), taken over by a front end that runs already"
+    page_type = PREVIEW_PAGE
+
+    def host_members(self):
+        return merged(super().host_members(), {"features": {"PreCreateCloudDocsContainer": True}})
+
+    def warm_up(self, opens):
+        for _ in range(opens):
+            self._then_wait(lambda: open_document(self.shell, self.url(), page_type=self.page_type))
+
+    def open(self):
+        return self._then_wait(super().open)
+
+    def _then_wait(self, action):
+        """The next front end is loaded before anybody else is measured."""
+        since = self.shell.mark()
+        try:
+            return action()
+        finally:
+            self.shell.wait_for_log("kept for ", timeout=60, since=since)
+
+    def check(self, report):
+        by = report["answeredBy"]
+        if "page" in by or report["requestedBeforeNotify"] is False:
+            return "the page was loaded"
+        return None if by.get("preopen") == ["local"] else "the document was asked for over the network"
+
+
+MODES = [ColdNetwork, WarmNetwork, ServiceWorker, LocalPackage, Preloading, DelayedLoad, LocalCopy, TakenOver]

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Times from telling a page what to open until its text is visible and until it can be edited, in several modes.
 
-  open_bench.py BUILD [--opens 15] [--modes abcdefg] [--lines "40 ms,150 ms"] [--out FILE] [--picture FILE]
+  open_bench.py BUILD [--opens 15] [--modes abcdefgh] [--lines "40 ms,150 ms"] [--out FILE] [--picture FILE]
 
 Every mode has a shell of its own; the openings go round the modes, so that whatever else runs here hits all alike. A
 mode that does not work in this build is named as not measured, with the reason. Prints markdown; with --out also

@@ -37,9 +37,9 @@ def control(server, resource, body):
         answer.read()
 
 
-def open_document(shell, url, before_close=None):
+def open_document(shell, url, before_close=None, page_type=1):
     """Opens the document in a new page, and closes the page. Returns the page's report, with its steps."""
-    page = shell.call("page.create", type=1)["page"]
+    page = shell.call("page.create", type=page_type)["page"]
     since = shell.mark()
     start = time.time() * 1000
     shell.call("page.notify", page=page, text=url)
@@ -48,6 +48,7 @@ def open_document(shell, url, before_close=None):
         shell.wait_for_page(page, "webFileReady", timeout=OPEN_TIMEOUT, since=since)
         report = shell.evaluate(page, PAGE_REPORT, timeout=30)
         report["answeredBy"] = answers(shell, page, since)
+        report["requestedBeforeNotify"] = report["origin"] < start
         report["steps"] = steps(report, start)
         if before_close:
             before_close(page, report)
@@ -71,7 +72,7 @@ def answers(shell, page, since):
 
 
 def steps(report, start):
-    """Milliseconds since the notify, by the names of STEPS."""
+    """Milliseconds since the notify, by the names of STEPS; below 0 for what a page did before it was told."""
     marks = report["marks"]
     at = report["origin"] - start
     script = [each["responseEnd"] for each in report["scripts"] if "/editor-" in each["name"]]

@@ -9,6 +9,7 @@ TARGETS = [
     ("editable", "e", "c", {"40 ms": 0.8, "150 ms": 0.5}),
     ("editable", "e", "a", {"40 ms": 0.2, "150 ms": 0.2}),
     ("visible", "g", "c", {"40 ms": 0.5, "150 ms": 0.5}),
+    ("editable", "h", "e", {"40 ms": 0.5, "150 ms": 0.5}),
 ]
 MOST_SPREAD = 1.5
 
@@ -52,13 +53,17 @@ def ratio(modes, what, letter, peer):
     return modes[letter][what]["p50"] / modes[peer][what]["p50"]
 
 
+def step_text(milliseconds):
+    return "%.0f" % milliseconds if milliseconds >= 0 else "before"
+
+
 def step_table(line, modes):
     """Where the time goes: medians, since the notify."""
     measured = {letter: mode for letter, mode in modes.items() if "steps" in mode}
     lines = ["| %s: milliseconds since the notify until … | %s |" % (line, " | ".join("(%s)" % each for each in measured)),
              "|---|" + "---|" * len(measured)]
     for step, text in STEPS.items():
-        lines.append("| %s | %s |" % (text, " | ".join("%.0f" % mode["steps"][step] for mode in measured.values())))
+        lines.append("| %s | %s |" % (text, " | ".join(step_text(mode["steps"][step]) for mode in measured.values())))
     return "\n".join(lines)
 
 

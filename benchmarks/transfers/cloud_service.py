@@ -64,7 +64,7 @@ class CloudService:
 
     def __init__(self, program, data_dir, resolve, api_url="http://docs.test"):
         self.caller = (text_field(1, "bench") + text_field(2, data_dir) + text_field(3, api_url) +
-                       map_field(4, resolve) + text_field(5, "") + b"\0")
+                       map_field(4, resolve) + text_field(5, "vlt_sid=bench;") + b"\0")
         self.process = subprocess.Popen([program, "--data-dir", data_dir])
         self.socket = None
         path = os.path.join(data_dir, "vltcloudsvr.sock")

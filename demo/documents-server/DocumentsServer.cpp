@@ -48,7 +48,8 @@ struct DocumentsServer::Parts
         : store(options.documentsDirectory, clock)
         , drive(options.documentsDirectory + QLatin1String("/drive"), clock)
         , shaper(options.link)
-        , service(store, drive, options.siteDirectory, options.packageDirectory, clock, shaper, log)
+        , service(store, drive, options.siteDirectory, options.packageDirectory, clock, shaper, log,
+                  UserSessions(options.sessions))
         , services{[this](const HttpRequest& head) { return service.receive(head); },
                    [this](const HttpRequest& request) { return service.answer(request); }, shaper, log, clock}
     {

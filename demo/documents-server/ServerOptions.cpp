@@ -41,6 +41,9 @@ void describe(QCommandLineParser& parser)
     add("kbps", QStringLiteral("Rate of that line in thousand bits per second, 0 for no limit [0]."), "N",
         QStringLiteral("0"));
     add("access-log", QStringLiteral("File that gets one JSON line for each request."), "FILE");
+    add("session",
+        QStringLiteral("Key of a user's session; may be repeated. Without it any session is accepted."),
+        "KEY");
     add("host-name", QStringLiteral("A further name for the certificate; may be repeated."), "NAME");
 }
 
@@ -81,6 +84,11 @@ Failure readNames(const QCommandLineParser& parser, ServerOptions& options)
         if (!usable)
             return mistake(QStringLiteral("--host-name: \"%1\" is not a host name.").arg(name));
         options.hostNames.push_back(name.toStdString());
+    }
+    options.sessions = parser.values(QStringLiteral("session"));
+    for (const QString& key : qAsConst(options.sessions)) {
+        if (key.isEmpty() || key.contains(u';') || key.contains(u' '))
+            return mistake(QStringLiteral("--session: \"%1\" cannot be a cookie's value.").arg(key));
     }
     for (const char* name : {"ready-file", "access-log"}) {
         if (parser.isSet(QLatin1String(name)) && parser.value(QLatin1String(name)).isEmpty())

@@ -22,6 +22,7 @@ struct ServerOptions
     QString readyFile;                  ///< empty: none
     QString accessLog;                  ///< empty: none
     std::vector<std::string> hostNames; ///< of the certificate
+    QStringList sessions;               ///< the users' that are accepted; empty: any
 
     enum class Wish { Serve, ShowHelp, ShowVersion };
     Wish wish = Wish::Serve;

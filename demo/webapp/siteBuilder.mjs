@@ -146,7 +146,7 @@ async function writePages(types, version, { early, files, urls }, out) {
 }
 
 /** Pages beside the documents, with a script `src/<name>/<name>Page.js` and a style `src/styles/<name>.css` each. */
-const sitePages = ['home', 'drive', 'interface'];
+const sitePages = ['home', 'drive', 'interface', 'signin'];
 
 async function writeSitePage(name, out, version) {
   const target = path.join(out, 'static');

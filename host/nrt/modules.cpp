@@ -27,7 +27,8 @@ QString getLibFileName(const QString& name)
     return QStringLiteral("lib%1.so").arg(name);
 }
 
-std::shared_ptr<QLibrary> loadPluginModule(const QString& name, const QString& relativePath)
+std::shared_ptr<QLibrary> loadPluginModule(const QString& name, const QString& relativePath,
+                                           const QString& pluginId)
 {
     static LoadedModules modules;
 
@@ -38,7 +39,8 @@ std::shared_ptr<QLibrary> loadPluginModule(const QString& name, const QString& r
         return known;
     auto library = std::make_shared<QLibrary>(path);
     if (!library->load()) {
-        qCWarning(lcModules, "library %s not loaded: %s", qUtf8Printable(path),
+        qCWarning(lcModules, "library %s of \"%s\" not loaded: %s", qUtf8Printable(path),
+                  qUtf8Printable(pluginId.isEmpty() ? name : pluginId),
                   qUtf8Printable(library->errorString()));
         return nullptr;
     }

@@ -4,15 +4,22 @@
 #include "shell/UserSession.h"
 #include "shell/cloud/CloudWindows.h"
 #include "shell/control/ControlSession.h"
+#include "shell/control/StoryMethods.h"
+#include "shell/control/TabMethods.h"
+#include "shell/dialogs/RecoverOffer.h"
 #include "shell/dialogs/UnattendedDialogs.h"
 #include "shell/pages/PageDirectory.h"
 #include "shell/pages/PageOpener.h"
+#include "shell/story/StoryDock.h"
+#include "shell/story/StoryRecorder.h"
 #include "shell/system/AddOnLibrary.h"
 
 #include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "nheliostat/browser/BrowserEnvironment.h"
 #include "nheliostat/framework/ShellApplication.h"
+#include "nheliostat/framework/ShellCentralArea.h"
 #include "nheliostat/framework/ShellMainWindow.h"
+#include "nrt/NSettings.h"
 #include "nrt/NrtHost.h"
 #include "zeolite/NxLoggerLite.h"
 #include "zeolite/ZeoliteHost.h"
@@ -20,8 +27,10 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QJsonDocument>
 #include <QUrl>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -63,6 +72,7 @@ zeolite::Setup servicesSetup(const HostFile& host, const QString& dataDir)
 {
     zeolite::Setup setup;
     setup.dataDir = dataDir;
+    setup.collectsData = host.telemetry;
     setup.logFile = dataDir + QStringLiteral("/shell.log");
     setup.hostFile = host.path;
     setup.domains = host.domains;
@@ -70,6 +80,8 @@ zeolite::Setup servicesSetup(const HostFile& host, const QString& dataDir)
     setup.documentsServiceHost = host.documentsServiceHost;
     setup.intranet = host.intranet;
     setup.capabilities = host.capabilities;
+    if (!host.debugInfo.isEmpty())
+        setup.debugInfo = QString::fromUtf8(QJsonDocument(host.debugInfo).toJson(QJsonDocument::Compact));
     for (auto plugin = host.plugins.begin(); plugin != host.plugins.end(); ++plugin)
         setup.plugins.insert(plugin.key(), {plugin->path, plugin->upgradePath});
     return setup;
@@ -83,6 +95,17 @@ HostUser withDirectories(HostUser user, const QString& dataDir)
     if (user.cacheRoot.isEmpty())
         user.cacheRoot = dataDir + QStringLiteral("/cache");
     return user;
+}
+
+/** Often enough for the time after which the deployment has inactive pages released. */
+int discardCheckSeconds()
+{
+    constexpr int oneHour = 3600;
+    constexpr int mostSeconds = 60;
+    nrt::NCCCommonSettings settings;
+    settings.beginGroup(QStringLiteral("discardPage"));
+    const int seconds = settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt();
+    return std::clamp(seconds / 4, 1, mostSeconds);
 }
 
 } // namespace
@@ -121,6 +144,8 @@ void ShellProgram::startServices()
     nrt::host::configure(runtimeSetup(m_setup.host, m_setup.dataDir));
     m_services = std::make_unique<ZeoliteHost>(servicesSetup(m_setup.host, m_setup.dataDir));
     m_pages = std::make_unique<PageDirectory>();
+    if (m_setup.host.telemetry)
+        m_stories = std::make_unique<StoryRecorder>(m_services->dataCollection(), *m_pages);
     if (m_setup.line.headless || m_setup.line.control)
         m_unattendedDialogs = std::make_unique<UnattendedDialogs>(m_dialogAnswers);
     if (m_setup.line.control)
@@ -157,6 +182,10 @@ void ShellProgram::startWindows()
     setup.cloudService.apiUrl = m_setup.host.domains.value(QStringLiteral("quill_api"));
     setup.cloudService.resolve = m_setup.host.resolve;
     setup.offersSystemPrograms = !m_setup.line.headless;
+    setup.discardCheckSeconds = discardCheckSeconds();
+    setup.recoveryDir = m_setup.dataDir + QStringLiteral("/recovery");
+    setup.quickAccessFile = m_setup.dataDir + QStringLiteral("/quick-access.json");
+    setup.documentsSite = m_setup.host.domains.value(QStringLiteral("quill_api_spec"));
     m_application = std::make_unique<ShellApplication>(setup);
     connect(m_application.get(), &ShellApplication::pageAdded, m_pages.get(), &PageDirectory::onPageAdded);
     connect(m_application.get(), &ShellApplication::pageRemoved, m_pages.get(),
@@ -169,10 +198,24 @@ void ShellProgram::startWindows()
     m_cloudService = std::make_unique<CloudServiceLink>(m_application->cloudService(), *m_services,
                                                         m_setup.dataDir, m_cloudWindows->diagnosisStarter());
     m_opener = std::make_unique<PageOpener>(*m_application, *m_pages);
+    m_recoverOffer =
+        std::make_unique<RecoverOffer>(*m_application, m_unattendedDialogs ? &m_dialogAnswers : nullptr);
     m_browser->setNewPageHandler([this](NHelioBrowserWidgetBase* opener, IHelioBrowserPageFactory* factory,
                                         const QUrl& url) { m_opener->openForBrowser(opener, factory, url); });
+    if (m_stories)
+        showStories();
     if (m_control)
         connectControl();
+}
+
+void ShellProgram::showStories()
+{
+    connect(m_browser.get(), &nheliostat::browser::BrowserEnvironment::requestFinished, m_stories.get(),
+            &StoryRecorder::onRequestFinished);
+    connect(m_application.get(), &ShellApplication::windowOpened, m_stories.get(),
+            [this](ShellMainWindow* window) {
+                new StoryDock(*window, *m_application, *m_stories, *m_pages); // the window's child
+            });
 }
 
 void ShellProgram::connectControl()
@@ -180,6 +223,9 @@ void ShellProgram::connectControl()
     connect(m_browser.get(), &nheliostat::browser::BrowserEnvironment::requestFinished,
             &m_control->notifications(), &HostNotifications::onRequestFinished);
     connect(m_control.get(), &ControlSession::ended, QCoreApplication::instance(), &QCoreApplication::quit);
+    m_control->add({storyExportMethod(m_stories.get())});
+    m_tabMethods = std::make_unique<TabMethods>(*m_application, *m_pages);
+    m_control->add(m_tabMethods->methods());
     m_control->serve(*m_application, *m_user, m_dialogAnswers);
 }
 
@@ -196,6 +242,7 @@ void ShellProgram::openFirstWindow()
     window->show();
     if (m_setup.line.text || !m_setup.line.control)
         m_opener->openDocumentsPage(*window, m_setup.line.text.value_or(QString()));
+    m_recoverOffer->show(*window, m_setup.line.text ? nullptr : window->area().currentPage());
 }
 
 void ShellProgram::openProtocol(NHelioBrowserWidgetBase*, const QUrl& url, bool)

@@ -24,9 +24,12 @@ namespace shell {
 class CloudServiceLink;
 class CloudWindows;
 class ControlSession;
-class UnattendedDialogs;
 class PageDirectory;
 class PageOpener;
+class RecoverOffer;
+class StoryRecorder;
+class TabMethods;
+class UnattendedDialogs;
 class UserSession;
 
 /** The running shell: starts its parts in the order of their dependence and ends them in the reverse one. */
@@ -59,6 +62,7 @@ private:
     QString loadAddOn();
     void openFirstWindow();
     void connectControl();
+    void showStories();
     void openProtocol(NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked);
 
     Setup m_setup;
@@ -69,6 +73,8 @@ private:
     DialogAnswers m_dialogAnswers;
     std::unique_ptr<UnattendedDialogs> m_unattendedDialogs;
     std::unique_ptr<PageDirectory> m_pages;
+    std::unique_ptr<StoryRecorder> m_stories; //!< null while data collection is off
+    std::unique_ptr<TabMethods> m_tabMethods;
     std::unique_ptr<ControlSession> m_control;
     std::unique_ptr<nheliostat::browser::BrowserEnvironment> m_browser;
     std::unique_ptr<UserSession> m_user;
@@ -76,6 +82,7 @@ private:
     std::unique_ptr<PageOpener> m_opener;
     std::unique_ptr<CloudWindows> m_cloudWindows;
     std::unique_ptr<ShellApplication> m_application;
+    std::unique_ptr<RecoverOffer> m_recoverOffer;
 };
 
 } // namespace shell

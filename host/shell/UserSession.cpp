@@ -1,6 +1,7 @@
 #include "shell/UserSession.h"
 
 #include "shell/AccountAuth.h"
+#include "shell/config/SessionCookie.h"
 #include "shell/config/UserMembers.h"
 
 #include "nheliostat/framework/ShellApplication.h"
@@ -15,14 +16,17 @@ namespace {
 
 HostUser toHostUser(const NHelioUserInfo& info)
 {
-    return {info.userId, info.loggedIn, info.sessionKey, info.cookies, info.localDataDir, info.cacheRoot};
+    return {info.userId,       info.loggedIn,
+            info.sessionKey,   withoutSessionCookie(info.cookies, info.sessionKey),
+            info.localDataDir, info.cacheRoot};
 }
 
 } // namespace
 
 NHelioUserInfo toUserInfo(const HostUser& user)
 {
-    return {user.userId,       user.loggedIn,  user.sessionKey, user.cookies,
+    const QString cookies = user.loggedIn ? withSessionCookie(user.cookies, user.sessionKey) : user.cookies;
+    return {user.userId,       user.loggedIn,  user.sessionKey, cookies,
             user.localDataDir, user.cacheRoot, user.userId,     user.sessionKey};
 }
 

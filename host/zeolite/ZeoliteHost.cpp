@@ -20,9 +20,10 @@ zeolite::Setup withDefaults(zeolite::Setup setup)
     return setup;
 }
 
-QString eventFile(const QString& dataDir)
+QString eventFile(const zeolite::Setup& setup)
 {
-    return dataDir.isEmpty() ? QString() : QDir(dataDir).filePath(QStringLiteral("events.jsonl"));
+    const bool isWritten = setup.collectsData && !setup.dataDir.isEmpty();
+    return !isWritten ? QString() : QDir(setup.dataDir).filePath(QStringLiteral("events.jsonl"));
 }
 
 } // namespace
@@ -30,7 +31,7 @@ QString eventFile(const QString& dataDir)
 ZeoliteHost::ZeoliteHost(zeolite::Setup setup)
     : m_setup(withDefaults(std::move(setup)))
     , m_logFile(m_setup.logFile)
-    , m_dataCollection(eventFile(m_setup.dataDir), QString::fromLatin1(QSysInfo::machineUniqueId()),
+    , m_dataCollection(eventFile(m_setup), QString::fromLatin1(QSysInfo::machineUniqueId()),
                        &QDateTime::currentMSecsSinceEpoch)
     , m_configCentre(m_setup.hostFile, m_setup.delayedGroups)
     , m_domains(m_setup.domains, m_setup.mainDomain, m_setup.documentsServiceHost, m_setup.intranet)
@@ -47,7 +48,7 @@ ZeoliteHost::~ZeoliteHost()
 
 NDcInfoC* ZeoliteHost::getDcInfo()
 {
-    return &m_dataCollection;
+    return m_setup.collectsData ? &m_dataCollection : nullptr;
 }
 
 NFpccomb* ZeoliteHost::getFpccomb()

@@ -17,6 +17,8 @@ struct Setup
 {
     /** The data-collection events go to "events.jsonl" in it; empty: they are kept in memory only. */
     QString dataDir;
+    /** Without it there is no data collection: getDcInfo() answers null and no event file is written. */
+    bool collectsData = true;
     /** Empty: no log file. */
     QString logFile;
     /** JSON file whose member "configCentre" feeds the configuration centre; watched. Empty: nothing but

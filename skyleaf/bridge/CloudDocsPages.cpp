@@ -124,7 +124,7 @@ bool loadPreviewPage(NHelioAppPage* page, const QString& openUrl, const QString&
         if (!fileName.isEmpty()) {
             const QFileInfo file(fileName);
             page->setProperty("fileName", file.fileName());
-            preview->setDocumentTitle(file.completeBaseName());
+            preview->setDocumentTitle(file.baseName());
         }
     }
     page->notify(target);

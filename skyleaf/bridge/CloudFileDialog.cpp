@@ -22,9 +22,11 @@ namespace {
 const QString libraryName = QStringLiteral("ncloudfiledialog");
 const QString anyFilter = QStringLiteral(" |*.xxx");
 
-QString translated(const char* text)
+QString titleOf(Kind kind)
 {
-    return QCoreApplication::translate("NHelioCloudDocsAsynJsObj", text);
+    return kind == Kind::DownloadDirectory
+               ? QCoreApplication::translate("NHelioCloudDocsAsynJsObj", "choose download path")
+               : QCoreApplication::translate("NHelioCloudDocsAsynJsObj", "upload to cloud");
 }
 
 QString configuredDirectory()
@@ -76,9 +78,8 @@ QMap<QString, QString> properties(Kind kind, const QString& initialDir)
     const QString on = QStringLiteral("1");
     const QString off = QStringLiteral("0");
     QMap<QString, QString> all{
-        {QStringLiteral("Title"),
-         translated(kind == Kind::DownloadDirectory ? "choose download path" : "upload to cloud")},
-        {QStringLiteral("ConfirmButton"), translated("ok")},
+        {QStringLiteral("Title"), titleOf(kind)},
+        {QStringLiteral("ConfirmButton"), QCoreApplication::translate("NHelioCloudDocsAsynJsObj", "ok")},
         {QStringLiteral("InitialDir"), initialDir},
         {QStringLiteral("Index"), QStringLiteral("2")},
         {QStringLiteral("AppName"), nrt::product::applicationName()},
@@ -111,6 +112,8 @@ QMap<QString, QString> properties(Kind kind, const QString& initialDir)
     return all;
 }
 
+namespace {
+
 QStringList choose(Kind kind, const QString& initialDir, QWidget* parent)
 {
     const Dialog dialog = createFileDialog();
@@ -123,6 +126,23 @@ QStringList choose(Kind kind, const QString& initialDir, QWidget* parent)
     dialog->setLocalEnabled(true);
     NCfdOutput output;
     return dialog->exec(parent, kind == Kind::DownloadDirectory ? 0 : 1, output);
+}
+
+} // namespace
+
+QStringList showUploadFileDialog(const QString& initialDir, QWidget* parent)
+{
+    return choose(Kind::UploadFiles, initialDir, parent);
+}
+
+QStringList showUploadFolderDialog(const QString& initialDir, QWidget* parent)
+{
+    return choose(Kind::UploadFolders, initialDir, parent);
+}
+
+QString showDownloadPathDialog(const QString& initialDir, QWidget* parent)
+{
+    return choose(Kind::DownloadDirectory, initialDir, parent).value(0);
 }
 
 } // namespace cloudfiledialog

@@ -14,7 +14,9 @@ enum class Kind { UploadFiles, UploadFolders, DownloadDirectory };
 /** What the dialog library is told; `initialDir` is where the dialog starts. */
 QMap<QString, QString> properties(Kind kind, const QString& initialDir);
 
-/** Shows the dialog and waits for it. Empty when the user cancels or there is no dialog library. */
-QStringList choose(Kind kind, const QString& initialDir, QWidget* parent);
+// Each shows its dialog and waits for it; empty when the user cancels or there is no dialog library.
+QStringList showUploadFileDialog(const QString& initialDir, QWidget* parent);
+QStringList showUploadFolderDialog(const QString& initialDir, QWidget* parent);
+QString showDownloadPathDialog(const QString& initialDir, QWidget* parent);
 
 } // namespace cloudfiledialog

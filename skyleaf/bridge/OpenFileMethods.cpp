@@ -52,7 +52,8 @@ QString onlineUrlError(const QString& url)
         return QStringLiteral("url isEmpty");
     if (QUrl(url).host().isEmpty())
         return QStringLiteral("url invalid");
-    return officeTypeOf(url).isEmpty() ? QStringLiteral("url query(officeType) isEmpty") : QString();
+    const bool hasOfficeType = QUrlQuery(QUrl(url)).hasQueryItem(QStringLiteral("officeType"));
+    return hasOfficeType ? QString() : QStringLiteral("url query(officeType) isEmpty");
 }
 
 QString openedHybrid(const QString& url)

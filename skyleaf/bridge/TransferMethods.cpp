@@ -90,7 +90,6 @@ void NHelioCloudDocsAsynJsObj::showFileDownloadProgress(NxWebViewJSContext&)
 
 void NHelioCloudDocsAsynJsObj::callFileUploader(NxWebViewJSContext& context)
 {
-    using namespace cloudfiledialog;
     const QString zero = QStringLiteral("0");
     const bool isFolder = context.getValue(QStringLiteral("isDir"), zero).toBool();
     const QString groupId = context.getValue(QStringLiteral("groupid"), zero).toString();
@@ -99,7 +98,8 @@ void NHelioCloudDocsAsynJsObj::callFileUploader(NxWebViewJSContext& context)
     const QString fileName = context.getValue(QStringLiteral("filename"), QString()).toString();
 
     const QPointer<NHelioCloudDocsAsynJsObj> self = this; // the page may close while the dialog is open
-    const QStringList chosen = choose(isFolder ? Kind::UploadFolders : Kind::UploadFiles, m_lastDir, m_page);
+    const QStringList chosen = isFolder ? cloudfiledialog::showUploadFolderDialog(m_lastDir, m_page)
+                                        : cloudfiledialog::showUploadFileDialog(m_lastDir, m_page);
     if (!self)
         return;
     if (isFolder) {
@@ -206,8 +206,7 @@ void NHelioCloudDocsAsynJsObj::callFileDownload(NxWebViewJSContext& context)
     const QString historyId = context.getValue(QStringLiteral("historyid"), QString()).toString();
 
     const QPointer<NHelioCloudDocsAsynJsObj> self = this; // the page may close while the dialog is open
-    const QString directory =
-        cloudfiledialog::choose(cloudfiledialog::Kind::DownloadDirectory, m_lastDir, m_page).value(0);
+    const QString directory = cloudfiledialog::showDownloadPathDialog(m_lastDir, m_page);
     if (!self || directory.isEmpty() || (ids.files.isEmpty() && ids.folders.isEmpty()))
         return;
     m_lastDir = directory;

@@ -183,15 +183,15 @@ QString UploadWatch::takeIn(const QSet<QString>& paths, const QMap<QString, QStr
             continue;
         switch (item->state) {
         case UploadState::Done:
-            if (!m_reported.contains(path)) {
+            if (!m_reportedUploads.contains(path)) {
                 success.add(item->report);
-                m_reported.insert(path);
+                m_reportedUploads.insert(path);
             }
-            m_active.remove(path);
+            m_activeUploads.remove(path);
             break;
         case UploadState::Failed:
             failed.add(item->report);
-            m_active.remove(path);
+            m_activeUploads.remove(path);
             break;
         case UploadState::Stopped:
             failed.add(item->report);
@@ -199,7 +199,7 @@ QString UploadWatch::takeIn(const QSet<QString>& paths, const QMap<QString, QStr
         case UploadState::Uploading:
         case UploadState::Queued:
             queued.add(item->report);
-            m_active.insert(path);
+            m_activeUploads.insert(path);
             break;
         }
     }

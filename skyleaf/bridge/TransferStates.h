@@ -34,13 +34,13 @@ public:
      * is under way, "failed", "success".
      */
     QString takeIn(const QSet<QString>& paths, const QMap<QString, QString>& records);
-    bool isAnyActive() const { return !m_active.isEmpty(); }
+    bool isAnyActive() const { return !m_activeUploads.isEmpty(); }
     /** Forgets which uploads were reported as finished. */
-    void forgetReported() { m_reported.clear(); }
+    void forgetReported() { m_reportedUploads.clear(); }
 
 private:
-    QSet<QString> m_reported;
-    QSet<QString> m_active;
+    QSet<QString> m_reportedUploads;
+    QSet<QString> m_activeUploads;
 };
 
 /** The state of the watched downloads. */

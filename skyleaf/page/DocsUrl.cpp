@@ -97,6 +97,15 @@ void removeQueryItems(QUrl& url, const QStringList& names)
         url.setQuery(QString());
 }
 
+QString withQueryItem(const QString& text, const QString& name, const QString& value)
+{
+    QUrl url(text);
+    if (!url.isValid())
+        return text;
+    replaceQueryItem(url, name, value);
+    return textOf(url);
+}
+
 QString newIdentifier()
 {
     return QUuid::createUuid().toString(QUuid::Id128);
@@ -157,9 +166,9 @@ QString withoutOpenTimeItems(const QString& text)
 
 QString reloadUrl(const QString& text, const QString& reason, qint64 nowMs)
 {
-    if (text.isEmpty())
-        return {};
     QUrl url(withoutOpenTimeItems(text));
+    if (!url.isValid())
+        return {};
     replaceQueryItem(url, QStringLiteral("startTime"), QString::number(nowMs));
     replaceQueryItem(url, QStringLiteral("from"), reason);
     return textOf(url);
@@ -168,6 +177,8 @@ QString reloadUrl(const QString& text, const QString& reason, qint64 nowMs)
 QString withoutLocalPackageItems(const QString& text)
 {
     QUrl url(text);
+    if (!url.isValid())
+        return text;
     removeQueryItems(url,
                      {QStringLiteral("officeType"), QStringLiteral("openEnv"), QStringLiteral("localId")});
     replaceQueryItem(url, QStringLiteral("referer"), QStringLiteral("version_mismatch"));

@@ -20,6 +20,8 @@ QString queryValue(const QUrl& url, const QString& name);
 /** Sets a query item in place of the first present one of that name, dropping the others, or at the end. */
 void replaceQueryItem(QUrl& url, const QString& name, const QString& value);
 void removeQueryItems(QUrl& url, const QStringList& names);
+/** `url` with the query item set; a text that is no valid URL is kept. */
+QString withQueryItem(const QString& url, const QString& name, const QString& value);
 
 /** 32 hexadecimal digits, new with every call. */
 QString newIdentifier();
@@ -64,9 +66,9 @@ Normalized normalize(const QString& url, const NormalizeContext& context);
 
 /** The URL without the items that belong to one open. */
 QString withoutOpenTimeItems(const QString& url);
-/** `url` for a reload that begins now, for a reason; empty for an empty URL. */
+/** `url` for a reload that begins now, for a reason; empty when there is no valid URL to reload. */
 QString reloadUrl(const QString& url, const QString& reason, qint64 nowMs);
-/** The URL so that the server, not a local package, answers it. */
+/** The URL so that the server, not a local package, answers it; an invalid URL keeps its text. */
 QString withoutLocalPackageItems(const QString& url);
 
 /** The text after the last "pcEnter=" up to the next "&". */

@@ -1,17 +1,21 @@
 #pragma once
 
-#include "nheliostat/NHelioBrowserPageRoot.h"
+#include "ncefpreload/NCefPreload.h"
 
 #include <QString>
 
-class NxWebViewContainer;
-class QWidget;
+#include <memory>
 
-/** The library that keeps browsers created in advance. Without it every call answers false or does nothing.
+class QLibrary;
+
+/**
+ * The library that keeps browsers created in advance. It is loaded once; while it is not there, or lacks the
+ * function that is called, a call answers false or does nothing. User-interface thread.
  */
 class NCefPreloadClient
 {
 public:
+    /** Created on first use; tests start with a fresh one after nreadonce::resetForTest(). */
     static NCefPreloadClient& instance();
     /** The container that all cloud documents pages share. */
     static QString containerName();
@@ -25,5 +29,11 @@ public:
     bool recoverContainer(const QString& name, NxWebViewContainer* container);
 
 private:
-    NCefPreloadClient() = default;
+    NCefPreloadClient();
+
+    /** Null when the library or the function is not there. */
+    template <typename Function>
+    Function resolve(const char* name) const;
+
+    std::weak_ptr<QLibrary> m_library;
 };

@@ -236,6 +236,9 @@ void NHelioCloudDocsPage::initSelf()
             showUrl();
         }
     }
+    // Else the start page would be shown while the document waits.
+    if (isLoadHeldBack())
+        m_browser->setEnableStartupUrl(false);
 
     const NHelioApplication* application = NHelioApplication::instance();
     const NHelioCloudCollectInfoMgr* collector =
@@ -250,35 +253,38 @@ void NHelioCloudDocsPage::applyRecoverItem()
     if (!m_recoverContext.recover || m_recoverContext.items.isEmpty())
         return;
     const NHelioWorkAreaRecoverItem item = m_recoverContext.items.first();
-    QUrl url(item.params.value(QStringLiteral("url")).toString());
-    docsurl::replaceQueryItem(url, QStringLiteral("startTime"), QString::number(nclock::nowMs()));
-    docsurl::replaceQueryItem(
+    QString url = item.params.value(QStringLiteral("url"), m_notify_URL).toString();
+    url = docsurl::withQueryItem(url, QStringLiteral("startTime"), QString::number(nclock::nowMs()));
+    url = docsurl::withQueryItem(
         url, QStringLiteral("from"),
         item.params.value(QStringLiteral("from"), QStringLiteral("recover")).toString());
-    m_notify_URL = url.toString(QUrl::FullyEncoded);
     setProperty("File_ID", item.params.value(QStringLiteral("fileId")));
     setProperty("fileName", item.params.value(QStringLiteral("fileName")));
     setProperty("suffix", item.suffix);
     m_toolBarVisible = item.params.value(QStringLiteral("toolBarVisible")).toBool();
     m_browser->setToolbarVisible(m_toolBarVisible);
     m_recoverContext.items.clear();
+    normalizeUrl(url);
 }
 
 void NHelioCloudDocsPage::prepareReload()
 {
     m_reloadAfterDiscard = false;
     QUrl url(m_notify_URL);
-    docsurl::replaceQueryItem(url, QStringLiteral("from"), QStringLiteral("discard-page-reload"));
-    docsurl::replaceQueryItem(url, QStringLiteral("startTime"), QString::number(m_loadStartMs));
-    docsurl::removeQueryItems(url, {QStringLiteral("traceId"), QStringLiteral("feature"),
-                                    QStringLiteral("entryType"), QStringLiteral("interruptUseTime"),
-                                    QStringLiteral("prepareUrlTime")});
+    if (url.isValid()) {
+        docsurl::replaceQueryItem(url, QStringLiteral("from"), QStringLiteral("discard-page-reload"));
+        docsurl::replaceQueryItem(url, QStringLiteral("startTime"), QString::number(m_loadStartMs));
+        docsurl::removeQueryItems(url, {QStringLiteral("traceId"), QStringLiteral("feature"),
+                                        QStringLiteral("entryType"), QStringLiteral("interruptUseTime"),
+                                        QStringLiteral("prepareUrlTime")});
+        m_notify_URL = url.toString(QUrl::FullyEncoded);
+    }
     m_traceId.clear();
     m_preloadFrameworkChecked = true;
     m_preloadFrameworkUsed = false;
     m_webFileReady = false;
     m_loadFinished = false;
-    normalizeUrl(url.toString(QUrl::FullyEncoded));
+    normalizeUrl(m_notify_URL);
     m_browser->setStartupUrl(m_notify_URL);
 }
 
@@ -294,8 +300,8 @@ void NHelioCloudDocsPage::_loadUrl()
         NxWebViewContainer* container = m_browser->webViewContainer();
         if (!container || _checkPreloadDocFramework(container))
             return;
-        m_browser->setEnableStartupUrl(true);
     }
+    m_browser->setEnableStartupUrl(true);
     if (m_notify_URL.isEmpty() || m_browser->currentUrl().compare(m_notify_URL, Qt::CaseInsensitive) == 0)
         return;
     m_browser->setProperty("skipLoadingWidgetInjection", false);
@@ -401,9 +407,9 @@ void NHelioCloudDocsPage::setFileSrcFrom(const QString& url)
 
 void NHelioCloudDocsPage::dropEvent(QDropEvent* event)
 {
-    const QMimeData* dropped = event->mimeData();
-    if (dropped && dropped->hasUrls())
-        m_droppedFiles.append(dropped->urls().first().toLocalFile());
+    const QList<QUrl> urls = event->mimeData() ? event->mimeData()->urls() : QList<QUrl>();
+    if (!urls.isEmpty())
+        m_droppedFiles.append(urls.first().toLocalFile());
 }
 
 void NHelioCloudDocsPage::onCleanTimeout()

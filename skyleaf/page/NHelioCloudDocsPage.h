@@ -81,6 +81,8 @@ public:
 
     void setToolBarVisible(bool visible) { m_toolBarVisible = visible; }
     bool isToolBarVisible() const { return m_toolBarVisible; }
+    /** Tells the script that the user chose one of the menu entries that it reported. */
+    void notifyMenuItem(const QString& id, const QJsonValue& value);
 
 Q_SIGNALS:
     void sigBrowserCreateSucceeded(NHelioBrowserWidgetBase* browser);
@@ -96,6 +98,8 @@ public Q_SLOTS:
 protected:
     void dropEvent(QDropEvent* event) override;
     void setPageTitle(const QString& title) { m_title = title; }
+    /** Whether the page was told to show something. */
+    bool isInUse() const { return m_loadCalled || !m_notify_URL.isEmpty(); }
 
 private Q_SLOTS:
     // The browser and its web view.
@@ -185,6 +189,7 @@ private:
     void _updateProxy(const QString& frontVer);
     void _delayLoadUrl();
     bool _isDelayLoadUrl() const;
+    bool isLoadHeldBack() const;
     void keepResult(const NCloudDocsRequestTaskResult& result);
     void endVcsWait();
     void loadNormalized();
@@ -197,11 +202,13 @@ private:
 
     // Preloaded browser.
     bool _checkPreloadDocFramework(NxWebViewContainer* container);
+    QString preloadFrameworkMismatch(const NxWebViewContainer& container) const;
     void _handlePreloadDocFrameworkWork();
     void offerContainerBack();
 
     // Cookies.
     void _updateCookies(bool force);
+    void _updateCookie(const QString& url);
     void giveResponseCookies(NxWebViewContainer* container);
 
     // Telemetry.

@@ -156,6 +156,8 @@ void NHelioCloudDocsPage::onWebviewCreated(NxWebViewContainer* container)
     if (!container)
         return;
     container->enableDragDrop(true);
+    if (m_initByPreloadBrowser)
+        m_preloadTitle = m_browser->title(); // of what was prepared, not of the document
     setUserAgent(container);
     connect(container, &NxWebViewContainer::loadError, this, &NHelioCloudDocsPage::onLoadError);
     giveResponseCookies(container);

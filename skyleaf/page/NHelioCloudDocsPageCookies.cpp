@@ -1,23 +1,153 @@
 #include "page/NHelioCloudDocsPage.h"
 
+#include "base/NClock.h"
 #include "base/NDocsLog.h"
 #include "base/NDomains.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
+#include "bridge/ShellAccess.h"
+#include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "nrt/product.h"
+#include "page/ClientIdentity.h"
+#include "zeolite/NCoreApplication.h"
 #include "zeolite/NxWebViewContainer.h"
 
-// The cookies that the page gives its browser. The session's own cookies are not written yet.
+#include <QJsonDocument>
+#include <QJsonObject>
+
+// The cookies that the page gives its browser.
+
+namespace {
+
+constexpr quint32 accountCapability = 0x40000;
+constexpr int sessionDays = 14;
+constexpr int branchDays = 14;
+constexpr int identityYears = 1;
+
+QString proxySessionId()
+{
+    const NHelioUserInfo user = shellaccess::user();
+    return user.loggedIn ? user.sessionKey : QString();
+}
+
+QString accountSessionId()
+{
+    const NHelioApplication* application = NHelioApplication::instance();
+    const NHelioAccount* account = application ? application->account() : nullptr;
+    return account && account->isLoggedIn() ? account->sessionId() : QString();
+}
+
+QNetworkCookie cookieFor(const QString& url, const QByteArray& name, const QByteArray& value,
+                         const QDateTime& expiry)
+{
+    QNetworkCookie cookie(name, value);
+    cookie.setPath(QStringLiteral("/"));
+    cookie.setDomain(QUrl(url).host());
+    cookie.setExpirationDate(expiry);
+    return cookie;
+}
+
+QNetworkCookie sessionCookie(const QString& url, const QString& sessionId, bool isSecure)
+{
+    QNetworkCookie cookie =
+        cookieFor(url, QByteArrayLiteral("vlt_sid"), sessionId.toUtf8(), nclock::now().addDays(sessionDays));
+    cookie.setSecure(isSecure);
+    cookie.setHttpOnly(true);
+    return cookie;
+}
+
+QNetworkCookie identityCookie(const QString& url)
+{
+    return cookieFor(url, QByteArrayLiteral("vltua"), clientidentity::token(),
+                     nclock::now().addYears(identityYears));
+}
+
+void writeCookie(NHelioBrowserWidgetBase& browser, const QString& url, const QNetworkCookie& cookie)
+{
+    if (url.isEmpty())
+        return;
+    const QString name = QString::fromLatin1(cookie.name());
+    browser.setCookie(QUrl(url), cookie, [name, url](bool stored) {
+        if (!stored)
+            ndocslog::warning(QStringLiteral("cookie %1 refused for %2").arg(name, url),
+                              "NHelioCloudDocsPage::_updateCookies");
+    });
+}
+
+QString rootUrl()
+{
+    const QString url = ndomains::url(QStringLiteral("root"));
+    return url.endsWith(QLatin1Char('*')) ? url.chopped(1) : url;
+}
+
+/** Intranet deployments may sign in without encryption; a secure cookie would never be sent there. */
+bool isDocsSessionSecure()
+{
+    return !nrt::kcmc::support(QStringLiteral("IntranetVersion")) ||
+           !ndomains::url(QStringLiteral("account")).startsWith(QLatin1String("http:"));
+}
+
+/** The branch of the front end that the installation is told to run; empty for the released one. */
+QString frontEndBranch()
+{
+    const NCoreApplication* core = NCoreApplication::instance();
+    const QByteArray text = core ? core->debugInfo().toUtf8() : QByteArray();
+    return QJsonDocument::fromJson(text).object().value(QLatin1String("weboffice_branch")).toString();
+}
+
+void writeBranchCookie(NHelioBrowserWidgetBase& browser)
+{
+    const QString branch = frontEndBranch();
+    if (branch.isEmpty())
+        return;
+    const QString docs = ndomains::url(QStringLiteral("quill"));
+    writeCookie(browser, docs,
+                cookieFor(docs, QByteArrayLiteral("weboffice_branch"), branch.toUtf8(),
+                          nclock::now().addDays(branchDays)));
+}
+
+} // namespace
 
 void NHelioCloudDocsPage::_updateCookies(bool force)
 {
-    if (m_browser && m_jsObj && force)
+    if (!m_browser || !m_jsObj)
+        return;
+    if (zeolite::isSupported(accountCapability)) {
+        const QString root = rootUrl();
+        writeCookie(*m_browser, root, sessionCookie(root, accountSessionId(), false));
+        writeCookie(*m_browser, root, identityCookie(root));
+    } else {
+        const QString session = proxySessionId();
+        const QString drive = ndomains::url(QStringLiteral("drive"));
+        writeCookie(*m_browser, drive, sessionCookie(drive, session, false));
+        writeCookie(*m_browser, drive, identityCookie(drive));
+        const QString docs = ndomains::url(QStringLiteral("quill"));
+        writeCookie(*m_browser, docs, sessionCookie(docs, session, isDocsSessionSecure()));
+        writeCookie(*m_browser, docs, identityCookie(docs));
+        writeBranchCookie(*m_browser);
+    }
+    if (force)
         m_jsObj->notifyLoginStatus();
+}
+
+void NHelioCloudDocsPage::_updateCookie(const QString& url)
+{
+    if (!m_browser || url.isEmpty())
+        return;
+    const QString session = proxySessionId();
+    if (session.isEmpty())
+        ndocslog::info(QStringLiteral("vlt_sid is empty"), "NHelioCloudDocsPage::_updateCookie");
+    else
+        writeCookie(*m_browser, url, sessionCookie(url, session, false));
+    writeCookie(*m_browser, url, identityCookie(url));
 }
 
 void NHelioCloudDocsPage::slot_beforeBrowser(bool& handled, const QString& url)
 {
     Q_UNUSED(handled)
-    Q_UNUSED(url)
+    const QString host = QUrl(url).host();
+    if (!host.isEmpty() && host.compare(ndomains::mainDomain(), Qt::CaseInsensitive) == 0)
+        _updateCookie(url);
 }
 
 void NHelioCloudDocsPage::onAppendResponseCookies(const QList<QNetworkCookie>& cookies)

@@ -48,9 +48,8 @@ void NHelioCloudDocsPage::startRun()
     ndocslog::info(QStringLiteral("start request"), operation);
     m_networkRequestStarted = true;
     m_pluginName = NDOPConfig::instance().pluginName(m_officeType);
-    QUrl url(m_notify_URL);
-    docsurl::replaceQueryItem(url, QStringLiteral("sdkversion"), QStringLiteral("3.0.7"));
-    m_notify_URL = url.toString(QUrl::FullyEncoded);
+    m_notify_URL =
+        docsurl::withQueryItem(m_notify_URL, QStringLiteral("sdkversion"), QStringLiteral("3.0.7"));
     m_connId = docsurl::newIdentifier();
     m_injectId = docsurl::newIdentifier();
     ndocslog::info(QStringLiteral("injectId: %1 connid: %2").arg(m_injectId, m_connId), operation);
@@ -204,6 +203,13 @@ bool NHelioCloudDocsPage::_isDelayLoadUrl() const
         return nconfigvalues::isDelayedLoadOn();
     ndocslog::info(QStringLiteral("switch off type %1").arg(m_officeType), operation);
     return false;
+}
+
+/** Whether the page's URL waits for an answer of the server. */
+bool NHelioCloudDocsPage::isLoadHeldBack() const
+{
+    const bool delaying = m_delayLoadTimer && m_delayLoadTimer->isActive();
+    return !m_notify_URL.isEmpty() && (m_waitingForVcs || delaying);
 }
 
 void NHelioCloudDocsPage::_delayLoadUrl()

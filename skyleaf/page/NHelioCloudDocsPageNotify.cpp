@@ -178,9 +178,8 @@ void NHelioCloudDocsPage::normalizeUrl(const QString& url)
         _startVcsRequest();
     } else if (normalized.clientProxy) {
         if (m_networkRequestStarted) {
-            QUrl withVersion(m_notify_URL);
-            docsurl::replaceQueryItem(withVersion, QStringLiteral("sdkversion"), QStringLiteral("3.0.7"));
-            m_notify_URL = withVersion.toString(QUrl::FullyEncoded);
+            m_notify_URL =
+                docsurl::withQueryItem(m_notify_URL, QStringLiteral("sdkversion"), QStringLiteral("3.0.7"));
         }
         _startNetworkRequest();
         _waitStartedPreRequest();

@@ -137,14 +137,15 @@ void NHelioCloudDocsPage::_handleVcs(const NCloudDocsRequestTaskResult& result)
         return;
     }
     const replyparsers::VersionCheckReply reply = replyparsers::parseVcsResult(result);
-    if (m_officeType.isEmpty()) {
-        if (!reply.officeType.isEmpty()) {
-            m_officeType = reply.officeType;
-            nversioncheckcache::set(m_fileId, m_officeType);
-        }
-        endVcsWait();
-        ndocslog::info(QStringLiteral("vcs office type is %1").arg(reply.officeType), operation);
+    const bool wasUnknown = m_officeType.isEmpty();
+    if (wasUnknown && !reply.officeType.isEmpty()) {
+        m_officeType = reply.officeType;
+        nversioncheckcache::set(m_fileId, m_officeType);
     }
+    // A page that learned its type by itself meanwhile waits no longer either.
+    endVcsWait();
+    if (wasUnknown)
+        ndocslog::info(QStringLiteral("vcs office type is %1").arg(reply.officeType), operation);
     if (reply.clientVersion.isEmpty()) {
         ndocslog::info(QStringLiteral("vcs front ver version is empty"), operation);
         return;
@@ -160,10 +161,9 @@ void NHelioCloudDocsPage::_handleVcsWithDelayLoadUrl(const NCloudDocsRequestTask
 {
     constexpr auto operation = "NHelioCloudDocsPage::_handleVcsWithDelayLoadUrl";
     const replyparsers::VersionCheckReply reply = replyparsers::parseVcsResult(result);
-    if (m_officeType.isEmpty()) {
+    if (m_officeType.isEmpty())
         m_officeType = reply.officeType;
-        endVcsWait();
-    }
+    endVcsWait();
     if (reply.clientVersion.isEmpty()) {
         ndocslog::info(QStringLiteral("vcs front ver version is empty"), operation);
         return;

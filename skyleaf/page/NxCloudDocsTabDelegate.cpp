@@ -3,6 +3,8 @@
 #include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "zeolite/NxLoggerLite.h"
 
+#include <QPixmap>
+
 namespace {
 
 QString getOnLineSuffix(const QString& suffix)
@@ -13,6 +15,16 @@ QString getOnLineSuffix(const QString& suffix)
                                     .arg(QStringLiteral("`anonymous-namespace'::getOnLineSuffix")));
     }
     return suffix;
+}
+
+/** Keeps the place of an icon. */
+QIcon emptyIcon(qreal devicePixelRatio)
+{
+    constexpr int side = 16;
+    QPixmap pixmap(QSize(side, side) * devicePixelRatio);
+    pixmap.setDevicePixelRatio(devicePixelRatio);
+    pixmap.fill(QColor(255, 255, 255, 0));
+    return QIcon(pixmap);
 }
 
 bool isAlive(const NHelioPage* page)
@@ -40,7 +52,7 @@ QIcon NxCloudDocsTabDelegate::getIcon(qreal devicePixelRatio) const
     if (!icon.isNull())
         return icon;
     if (m_defaultIcon.isNull())
-        m_defaultIcon = QIcon(QStringLiteral(":/icon_svg/VltDocsTabIcon.svg"));
+        m_defaultIcon = emptyIcon(devicePixelRatio);
     return m_defaultIcon;
 }
 

@@ -9,7 +9,7 @@ class NxCloudDocsTabDelegate : public NHelioBrowserTabDelegate
 public:
     NxCloudDocsTabDelegate(QObject* parent, NHelioBrowserWidgetBase* browser, NHelioPage* page);
 
-    /** The icon of the page's file type, else the site's, else the documents icon. */
+    /** The icon of the page's file type, else the site's, else a transparent one. */
     QIcon getIcon(qreal devicePixelRatio) const override;
 
 public Q_SLOTS:

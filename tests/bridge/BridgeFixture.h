@@ -102,6 +102,7 @@ public:
     }
     qint64 openStartTime() const override { return 0; }
     void reportDownloadProhibited() override {}
+    void reportTabMenuClick(const QString&, NHelioSubPage*) override {}
     void sendCloudFileOpen(const QString& userId, const QString& source, const QString& action,
                            int virtualType) override
     {

@@ -1,3 +1,4 @@
+#include "bridge/CloudDocsPages.h"
 #include "bridge/DocsLinks.h"
 #include "bridge/OpenArguments.h"
 
@@ -8,10 +9,8 @@
 
 namespace {
 
-constexpr int previewType = 48;
-
 /** A page of one document, "7" at first. */
-class DocumentPage final : public NHelioVltPage
+class DocumentPage final : public NHelioVltPage, public ICloudDocsPreviewPage
 {
 public:
     explicit DocumentPage(int type, QWidget* parent = nullptr)
@@ -26,7 +25,7 @@ public:
     void load() override {}
     NHelioSubPage* findSubPage(const QMap<QString, QString>& parameters, bool) const override
     {
-        const bool isIt = m_type != previewType && parameters.value(QStringLiteral("fileId")) == openFile;
+        const bool isIt = m_type != previewPageType && parameters.value(QStringLiteral("fileId")) == openFile;
         return isIt ? initialSubPage() : nullptr;
     }
     bool closeSubPage(NHelioSubPage*) override
@@ -40,8 +39,11 @@ public:
         notified << args;
         return true;
     }
+    void setSuffix(const QString& suffix) override { taken << suffix; }
+    void setDocumentTitle(const QString& title) override { taken << title; }
 
     QStringList notified;
+    QStringList taken; //!< suffixes and titles
     QString openFile = QStringLiteral("7");
 
 private:
@@ -89,7 +91,7 @@ protected:
     }
 
     PageType cloudPages{1};
-    PageType previewPages{previewType};
+    PageType previewPages{previewPageType};
     PageType flowPages{21};
     PageType processPages{27};
 };
@@ -135,7 +137,7 @@ TEST_F(OpenFiles, AnOpenDocumentIsShownInsteadOfOpenedAgain)
     standInPage();
     addPage(1);
     call("openFileEx", R"({"fileid":"7"})");
-    addPage(previewType)->setProperty("File_ID", QStringLiteral("8"));
+    addPage(previewPageType)->setProperty("File_ID", QStringLiteral("8"));
     call("openFile", R"({"fileid":"8"})");
     EXPECT_EQ(area().currentPage()->property("File_ID").toString(), QStringLiteral("8"));
     EXPECT_TRUE(application->opened.isEmpty());
@@ -155,6 +157,28 @@ TEST_F(OpenFiles, TheCloudShowsADocumentInAPreviewPage)
     call("openFileByCloud", R"({"openUrl":"https://docs.test/x"})");
     ASSERT_EQ(area().pages().size(), 2);
     EXPECT_FALSE(area().pages().last()->property("File_ID").isValid());
+}
+
+TEST_F(OpenFiles, APreviewPageIsNamedAfterItsFile)
+{
+    const QString url = QStringLiteral("https://docs.test/x");
+    const QString path = QStringLiteral("/d.e/a.b.xlsx");
+    const auto load = [&](const QString& openUrl, const QString& suffix, const QString& file) {
+        DocumentPage* page = addPage(previewPageType);
+        const bool ok = clouddocspages::loadPreviewPage(page, openUrl, suffix, QStringLiteral("5"), file, {},
+                                                        false, false);
+        EXPECT_EQ(ok, !page->notified.isEmpty());
+        return page;
+    };
+    const DocumentPage* page = load(url, QStringLiteral("xlsx"), path);
+    EXPECT_EQ(page->taken, (QStringList{QStringLiteral("xlsx"), QStringLiteral("a")}));
+    EXPECT_EQ(page->property("fileName").toString(), QStringLiteral("a.b.xlsx"));
+    EXPECT_EQ(page->property("File_Url").toString(), url);
+    EXPECT_EQ(page->notified, (QStringList{url, QStringLiteral("setToolBar=0")}));
+    page = load({}, {}, path);
+    EXPECT_TRUE(page->taken.isEmpty());
+    EXPECT_EQ(page->notified.value(0), QStringLiteral("https://docs.test/p/5"));
+    EXPECT_FALSE(load(QStringLiteral("no host"), {}, {})->property("File_ID").isValid());
 }
 
 TEST_F(OpenFiles, OnlineDocumentsSayWhyTheyDoNotOpen)
@@ -183,6 +207,9 @@ TEST_F(OpenFiles, OnlineDocumentsSayWhyTheyDoNotOpen)
                      QStringLiteral("https://d.test/p/6?officeType=w&localId=&openEnv=hybrid&startTime=4321&"
                                     "newFile=true&from=skyleaf-openDocsOnlineFile")}));
     EXPECT_EQ(page->property("File_ID").toString(), QStringLiteral("6"));
+    EXPECT_EQ(call("openDocsOnlineFile", R"({"url":"https://d.test/p/6?officeType="})"),
+              json(R"({"callstatus":"ok","errormsg":""})"))
+        << "present, though empty";
     bridge->setParent(nullptr); // no window any more
     EXPECT_EQ(call("openDocsOnlineFile", R"({"url":"https://d.test/p/6?officeType=w"})")
                   .value(QStringLiteral("errormsg"))

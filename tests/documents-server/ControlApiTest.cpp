@@ -108,6 +108,56 @@ TEST_F(ControlApiTest, faultsChangeWhatIsSentAndRunOut)
         EXPECT_EQ(put("fault", wrong), 400) << wrong;
 }
 
+TEST_F(ControlApiTest, documentsAreForUsersWithASession)
+{
+    place.add("site/signin.html", "please sign in");
+    ASSERT_FALSE(drive.open());
+    const QByteArrayList api = {"/api/v3/office/files", "/office-config/100001",
+                                "/api/v1/drive/groups/0/folders/0"};
+    const QByteArrayList pages = {"/p/100001", "/l/100001", "/office/new/w?officeType=w"};
+    const auto expectAll = [&](int status, const char* user) {
+        cookie = user;
+        for (const QByteArray& target : api + pages)
+            EXPECT_EQ(ask("GET", target).reply.status, status) << target.constData() << user;
+        EXPECT_EQ(ask("POST", "/api/v3/office/file/100001/preopen/word", "{}").reply.status, status) << user;
+        EXPECT_EQ(ask("GET", "/").reply.status, 200) << user;
+        EXPECT_EQ(ask("GET", "/static/app.css").reply.status, 200) << user;
+        EXPECT_EQ(ask("GET", "/api/v3/office/prefetch/vcs/100001").reply.status, 200) << user;
+        EXPECT_NE(ask("GET", "/api/v3/office/package/quillword").reply.status, 401) << user;
+    };
+    for (const char* nobody : {"", "vlt_sid=", "xvlt_sid=anna", "a=vlt_sid", "vlt_sid"})
+        expectAll(401, nobody);
+    EXPECT_EQ(text(ask("GET", api.first()), "result"), "userNotLogin");
+    const HttpReply page = ask("GET", pages.first()).reply;
+    EXPECT_EQ(page.body, QByteArray("please sign in"));
+    EXPECT_EQ(header(page, "Cache-Control"), QByteArray("no-store"));
+    EXPECT_EQ(header(page, "ETag"), QByteArray());
+    HttpRequest upload;
+    upload.method = "PUT";
+    upload.target = "/api/v1/drive/uploads/1?offset=0";
+    EXPECT_EQ(service.receive(upload).refusal->reply.status, 401);
+
+    EXPECT_EQ(put("sessions", R"({"remove":["anna"]})"), 200);
+    expectAll(401, "vlt_sid=anna");
+    expectAll(200, "a=1; vlt_sid=bert");
+    expectAll(200, "vlt_sid=anna; vlt_sid=bert");
+    EXPECT_EQ(put("sessions", R"({"add":["anna"]})"), 200);
+    expectAll(200, "vlt_sid=anna");
+    for (const char* wrong : {R"({"add":"anna"})", R"({"add":[""]})", R"({"add":[1]})", R"({"drop":[]})"})
+        EXPECT_EQ(put("sessions", wrong), 400) << wrong;
+}
+
+TEST(UserSessions, namedOnesAreTheOnlyOnes)
+{
+    UserSessions sessions({QStringLiteral("anna")});
+    EXPECT_TRUE(sessions.accepts("vlt_sid=anna"));
+    EXPECT_FALSE(sessions.accepts("vlt_sid=bert"));
+    EXPECT_FALSE(sessions.change({{QStringLiteral("remove"), QJsonArray{QStringLiteral("anna")}},
+                                  {QStringLiteral("add"), QJsonArray{QStringLiteral("bert")}}}));
+    EXPECT_FALSE(sessions.accepts("vlt_sid=anna"));
+    EXPECT_TRUE(sessions.accepts("vlt_sid=bert"));
+}
+
 TEST_F(ControlApiTest, theLogShowsOtherPeoplesRequests)
 {
     log.record({12,
@@ -115,20 +165,26 @@ TEST_F(ControlApiTest, theLogShowsOtherPeoplesRequests)
                 "/p/1",
                 404,
                 99,
-                {{"User-Agent", "agent"}, {"Cookie", "a=1"}, {"Origin", "o"}},
+                {{"User-Agent", "agent"},
+                 {"Cookie", "a=1; vlt_sid=secret;vltua=; weboffice_branch=b"},
+                 {"Origin", "o"}},
                 loggedBody("POST", "text")});
     log.record({13, "GET", "/_control/log", 200, 1});
-    log.record({14, "GET", "/p/2", 200, 1, {{"X-Cookie", "b"}}, loggedBody("GET", "text")});
+    log.record({14, "GET", "/p/2", 200, 1, {{"X-Cookie", "vlt_sid=secret"}}, loggedBody("GET", "text")});
     const QJsonObject reply = json(ask("GET", "/_control/log"));
     EXPECT_EQ(reply.value(QLatin1String("last")), 2);
     const QJsonArray requests = reply.value(QLatin1String("requests")).toArray();
     ASSERT_EQ(requests.size(), 2);
-    EXPECT_EQ(QJsonDocument(requests.at(0).toObject()).toJson(QJsonDocument::Compact),
-              QByteArray(R"({"body":"text","bytes":99,"cookie":"a=1",)"
-                         R"("headers":{"cookie":"a=1","origin":"o","user-agent":"agent"},)"
-                         R"("method":"POST","origin":"o","seq":1,"status":404,"t":12,"target":"/p/1",)"
-                         R"("userAgent":"agent"})"));
+    EXPECT_EQ(
+        QJsonDocument(requests.at(0).toObject()).toJson(QJsonDocument::Compact),
+        QByteArray(
+            R"({"body":"text","bytes":99,"cookie":"a=1; vlt_sid=*; vltua=*; weboffice_branch=*",)"
+            R"("cookies":["vlt_sid","weboffice_branch"],)"
+            R"("headers":{"cookie":"a=1; vlt_sid=*; vltua=*; weboffice_branch=*","origin":"o","user-agent":"agent"},)"
+            R"("method":"POST","origin":"o","seq":1,"status":404,"t":12,"target":"/p/1",)"
+            R"("userAgent":"agent"})"));
     EXPECT_EQ(requests.at(1).toObject().value(QLatin1String("body")), QString());
+    EXPECT_EQ(QJsonDocument(requests.at(1).toObject()).toJson().indexOf("secret"), -1);
     EXPECT_EQ(loggedBody("POST", QByteArray(5000, 'x')).size(), 4096);
 
     for (int i = 0; i < 1500; ++i)

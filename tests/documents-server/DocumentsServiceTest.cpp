@@ -214,7 +214,7 @@ TEST_F(DocumentsServiceTest, aSessionStartsOnce)
         header(ask("POST", "/api/v3/office/file/100001/preopen/word", "{}").reply, "Set-Cookie");
     EXPECT_THAT(first.toStdString(), testing::MatchesRegex("docs_session=[0-9a-f]+; Path=/; HttpOnly"));
     EXPECT_NE(first, second);
-    cookie = "a=1; docs_session=abc";
+    cookie = "vlt_sid=anna; docs_session=abc";
     EXPECT_TRUE(header(ask("GET", "/office-config/100001").reply, "Set-Cookie").isEmpty());
 }
 

@@ -274,7 +274,7 @@ TEST_F(DriveTest, theNewestWriterOfAnUploadIsTheOnlyOne)
     const auto upload = drive.startUpload({"0", "0", "f", "0123456789"});
     HttpClient hanging = server.connect();
     hanging.send("PUT /api/v1/drive/uploads/" + upload.id +
-                 "?offset=0 HTTP/1.1\r\nContent-Length: 10\r\n\r\n012");
+                 "?offset=0 HTTP/1.1\r\nCookie: vlt_sid=anna\r\nContent-Length: 10\r\n\r\n012");
     while (drive.json("GET", "/uploads/" + upload.id).value(QLatin1String("offset")).toInt() < 3) {
     }
     EXPECT_EQ(drive.upload(upload.id, 3, "3456").body(), R"({"offset":7})");

@@ -43,7 +43,8 @@ TEST_F(HttpConnectionTest, oneConnectionServesManyRequests)
 
     EXPECT_EQ(client.ask("GET", "/static/big.bin").body(), big.toStdString());
 
-    client.send("GET / HTTP/1.1\r\nHost: x\r\n\r\nGET /p/100002 HTTP/1.1\r\nHost: x\r\n\r\n");
+    client.send("GET / HTTP/1.1\r\nHost: x\r\n\r\nGET /p/100002 HTTP/1.1\r\nHost: x\r\n"
+                "Cookie: vlt_sid=anna\r\n\r\n");
     EXPECT_EQ(client.receive().body(), "home");
     EXPECT_EQ(client.receive().body(), "table page") << "requests sent ahead are answered in order";
 
@@ -88,9 +89,14 @@ TEST_F(HttpConnectionTest, brokenRequestsAreToldSo)
         {"nonsense\r\n\r\n", 400},
         {"GET / HTTP/9.9\r\n\r\n", 400},
         {"GET / HTTP/1.1\r\nContent-Length: -5\r\n\r\n", 400},
-        {"POST /api/v3/office/files HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", 400},
+        {"POST /api/v3/office/files HTTP/1.1\r\nCookie: vlt_sid=a\r\nTransfer-Encoding: "
+         "chunked\r\n\r\nzz\r\n",
+         400},
         {"GET / HTTP/1.1\r\nX: " + std::string(40'000, 'x') + "\r\n\r\n", 431},
-        {"PUT /api/v3/office/file/1/content HTTP/1.1\r\nContent-Length: 67108865\r\n\r\n", 413},
+        {"PUT /api/v3/office/file/1/content HTTP/1.1\r\nCookie: vlt_sid=a\r\nContent-Length: "
+         "67108865\r\n\r\n",
+         413},
+        {"PUT /api/v3/office/file/1/content HTTP/1.1\r\nContent-Length: 67108865\r\n\r\n", 401},
         {"PUT / HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: 67108865\r\n\r\n", 413},
     };
     for (const auto& entry : cases) {
@@ -104,7 +110,8 @@ TEST_F(HttpConnectionTest, brokenRequestsAreToldSo)
 TEST_F(HttpConnectionTest, aBodyTooLargeIsRefusedWhileItIsStillBeingSent)
 {
     HttpClient client = connect();
-    client.send("PUT /api/v3/office/file/1/content HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n");
+    client.send("PUT /api/v3/office/file/1/content HTTP/1.1\r\nTransfer-Encoding: chunked\r\n"
+                "Cookie: vlt_sid=anna\r\n\r\n");
     const std::string chunk = "100000\r\n" + std::string(0x100000, ' ') + "\r\n";
     for (int i = 0; i < 66; ++i)
         client.send(chunk);
@@ -116,7 +123,8 @@ TEST_F(HttpConnectionTest, aBodyTooLargeIsRefusedWhileItIsStillBeingSent)
 TEST_F(HttpConnectionTest, aClientThatAsksFirstIsToldToGoOn)
 {
     HttpClient client = connect();
-    client.send("POST /api/v3/office/files HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: 18\r\n\r\n");
+    client.send("POST /api/v3/office/files HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: 18\r\n"
+                "Cookie: vlt_sid=anna\r\n\r\n");
     EXPECT_THAT(client.receiveSome(), StartsWith("HTTP/1.1 100 "));
     client.send("{\"officeType\":\"w\"}");
     EXPECT_THAT(client.receive().body(), HasSubstr("\"id\":\"100003\""));
@@ -145,7 +153,7 @@ TEST_F(HttpConnectionTest, faultsReachTheWire)
     }
 
     HttpClient late = connect();
-    late.send("GET /p/100001 HTTP/1.1\r\n\r\n");
+    late.send("GET /p/100001 HTTP/1.1\r\nCookie: vlt_sid=anna\r\n\r\n");
     const std::string log = control.ask("GET", "/_control/log").body();
     EXPECT_THAT(log, HasSubstr("\"status\":0")) << "others are served while one waits";
     EXPECT_THAT(log, Not(HasSubstr("/p/100001")));
@@ -179,14 +187,14 @@ TEST_F(HttpConnectionTest, theImitatedLineHoldsRepliesBack)
 TEST_F(HttpConnectionTest, theAccessLogTellsOfEveryRequest)
 {
     HttpClient client = connect();
-    client.ask("GET", "/p/100001?x=%22", {}, "User-Agent: tester\r\nCookie: a=1\r\n");
+    client.ask("GET", "/p/100001?x=%22", {}, "User-Agent: tester\r\nCookie: a=1; vlt_sid=s\r\n");
     client.ask("GET", "/_control/log");
     client.ask("GET", "/"); // a line is written after its reply, so the last one may be missing yet
     const auto lines = readFile(place.path("access.log")).split('\n');
     ASSERT_GE(lines.size(), 3);
     EXPECT_THAT(lines.at(1).toStdString(), HasSubstr("/_control/log"));
     EXPECT_THAT(lines.first().toStdString(),
-                testing::AllOf(HasSubstr(R"("cookie":"a=1","headers":{)"),
+                testing::AllOf(HasSubstr(R"("cookie":"a=1; vlt_sid=*","cookies":["vlt_sid"],"headers":{)"),
                                HasSubstr(R"("user-agent":"tester"})"),
                                HasSubstr(R"("status":200,"t":1700000000000,"target":"/p/100001?x=%22")")));
 }

@@ -35,8 +35,9 @@ TEST_F(ServerOptionsTest, readsValuesAndDefaults)
     EXPECT_EQ(plain->packageDirectory, place.site());
     EXPECT_THAT(plain->hostNames, ElementsAre("localhost", "127.0.0.1", "docs.skyleaf.test"));
 
-    const auto full = parse(words("--http-port 0 --https-port=65535 --rtt-ms 40 --kbps 5000 --ready-file r "
-                                  "--access-log l --host-name a.test --host-name b.test"));
+    const auto full =
+        parse(words("--http-port 0 --https-port=65535 --rtt-ms 40 --kbps 5000 --ready-file r "
+                    "--access-log l --session k1 --session k2 --host-name a.test --host-name b.test"));
     ASSERT_TRUE(full);
     EXPECT_EQ(full->httpPort, 0);
     EXPECT_EQ(full->httpsPort, 65535);
@@ -45,6 +46,7 @@ TEST_F(ServerOptionsTest, readsValuesAndDefaults)
     EXPECT_EQ(full->readyFile, QStringLiteral("r"));
     EXPECT_EQ(full->accessLog, QStringLiteral("l"));
     EXPECT_EQ(full->hostNames.back(), "b.test");
+    EXPECT_EQ(full->sessions, words("k1 k2"));
 }
 
 TEST_F(ServerOptionsTest, mistakesAreNamed)
@@ -58,6 +60,7 @@ TEST_F(ServerOptionsTest, mistakesAreNamed)
         {"--http-port 65536", "--http-port"},
         {"--https-port x", "--https-port"},
         {"--rtt-ms -1", "--rtt-ms"},
+        {"--session a;b", "--session"},
         {"--kbps 1.5", "--kbps"},
         {"stray", "stray"},
         {"--host-name a,b", "--host-name"},

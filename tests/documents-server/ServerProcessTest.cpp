@@ -92,7 +92,8 @@ TEST(ServerProcess, whatItReportedSurvivesAKill)
         id = drive.startUpload(order).id;
         HttpClient sender(port);
         sender.send("PUT /api/v1/drive/uploads/" + id +
-                    "?offset=0 HTTP/1.1\r\nContent-Length: 2000000\r\n\r\n" + bytes.substr(0, 1'234'567));
+                    "?offset=0 HTTP/1.1\r\nCookie: vlt_sid=anna\r\nContent-Length: 2000000\r\n\r\n" +
+                    bytes.substr(0, 1'234'567));
         while (drive.startUpload(order).offset < 1'234'567) {
         }
         server.end(SIGKILL);

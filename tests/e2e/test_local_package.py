@@ -87,7 +87,8 @@ class LocalPackageTest(PackageCase):
         shell.call("page.load", page=page)
         shell.wait_for_page(page, "loadFinished")
         self.assertEqual(self.steps(shell)[-1], ("url_checking", "quill_domain_empty"))
-        shell.evaluate(page, "while (!document.body.innerText.includes('Welcome to')) await new Promise(r => setTimeout(r, 50))")
+        # Without the site's address no session is written for it either.
+        shell.evaluate(page, "while (!document.body.innerText.includes('Sign in to see this document')) await new Promise(r => setTimeout(r, 50))")
 
     def test_another_host_is_refused_unless_forced(self):
         other = {"resolve": {"other.skyleaf.test:443": "127.0.0.1:%d" % self.server.https_port}}

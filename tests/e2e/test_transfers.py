@@ -46,7 +46,8 @@ class TransfersTest(PackageCase):
         return shell, page
 
     def drive(self, path):
-        with urllib.request.urlopen("http://127.0.0.1:%d/api/v1/drive/%s" % (self.server.http_port, path), timeout=20) as answer:
+        request = urllib.request.Request("http://127.0.0.1:%d/api/v1/drive/%s" % (self.server.http_port, path), headers={"Cookie": "vlt_sid=test"})
+        with urllib.request.urlopen(request, timeout=20) as answer:
             return json.load(answer)
 
     def item(self, parent, name):

@@ -11,6 +11,18 @@
 class FakeCloud final : public SilentCloudSvrProxy
 {
 public:
+    QString createDOPRootData(const QString& fileId, QObject*, const char* slot) override
+    {
+        return write({fileId, QLatin1String(slot)});
+    }
+    QString getDOPFileInfo(const QString& localId, const QString& fileId, QObject*, const char* slot) override
+    {
+        return write({localId, fileId, QLatin1String(slot)});
+    }
+    QString removeDOPRootData(const QString& localId, QObject*, const char* slot) override
+    {
+        return write({localId, QLatin1String(slot)});
+    }
     QString updateDOPFileInfo(const QString& localId, const QString& data, const QString& source,
                               QObject* receiver, const char* slot) override
     {

@@ -184,6 +184,19 @@ TEST_F(CloudDocsPage, ReleasedPageComesBackWithAFreshOpen)
     EXPECT_EQ(eventFields("memory_release_start", "comp"), QStringList({s("word"), s("word")}));
 }
 
+TEST_F(CloudDocsPage, ReleasedPageThatWasNeverToldAUrlShowsTheStartPageAgain)
+{
+    start();
+    NHelioCloudDocsPage* page = addPage();
+    turn();
+    page->load();
+    page->releasePage();
+    page->load();
+    browserOf(page)->deliverStartupLoad();
+    ASSERT_EQ(browserOf(page)->loads.size(), 1);
+    EXPECT_EQ(browserOf(page)->loads.last().toString(), browserOf(page)->startupUrls.first());
+}
+
 TEST_F(CloudDocsPage, ReloadsRememberTheirUrl)
 {
     start();
@@ -322,8 +335,11 @@ TEST_F(CloudDocsPage, RecoveredPageShowsWhatItShowed)
     page->recoverFiles({item}, 1, nullptr);
     EXPECT_EQ(page->getWorkAreaRecoverUrl(), documentUrl);
     page->load();
-    EXPECT_EQ(browserOf(page)->loads.last().toString(),
-              documentUrl + s("&startTime=1700000000000&from=recover"));
+    const QString url = browserOf(page)->loads.last().toString();
+    EXPECT_TRUE(url.startsWith(
+        documentUrl + s("&startTime=1700000000000&from=recover&officeType=w&openEnv=hybrid&client_proxy=")))
+        << url.toStdString();
+    EXPECT_EQ(query(url, "traceId").size(), 32);
     EXPECT_EQ(page->property("File_ID").toString(), s("7"));
     EXPECT_EQ(page->pageTitle(), s("Plan"));
     EXPECT_TRUE(page->isToolBarVisible());

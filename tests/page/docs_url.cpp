@@ -94,7 +94,10 @@ TEST(DocsUrl, InvalidUrlKeepsItsText)
     c.officeType = s("w");
     c.traceId = s("t");
     c.darkSkin = true;
-    EXPECT_EQ(docsurl::normalize(s("http://:80:80/p/1"), c).url, s("http://:80:80/p/1"));
+    const QString invalid = s("http://:80:80/p/1");
+    EXPECT_EQ(docsurl::normalize(invalid, c).url, invalid);
+    EXPECT_EQ(docsurl::withQueryItem(invalid, s("sdkversion"), s("3.0.7")), invalid);
+    EXPECT_EQ(docsurl::withoutLocalPackageItems(invalid), invalid);
 }
 
 TEST(DocsUrl, CommandUrls)
@@ -116,6 +119,7 @@ TEST(DocsUrl, ReloadUrlBelongsToANewOpen)
     EXPECT_EQ(docsurl::reloadUrl(url, s("cefProcessAbort"), 99),
               s("https://d.test/p/1?officeType=w&keep=1&startTime=99&from=cefProcessAbort"));
     EXPECT_EQ(docsurl::reloadUrl(QString(), s("from"), 99), QString());
+    EXPECT_EQ(docsurl::reloadUrl(s("http://:80:80/p/1"), s("from"), 99), QString());
 }
 
 TEST(DocsUrl, FileIdsAndSources)

@@ -60,16 +60,22 @@ protected:
     void begin()
     {
         start();
+        configure();
+    }
+
+    void configure()
+    {
         for (auto item = items.begin(); item != items.end(); ++item)
             host->configCentre().set(60, item.key(), QJsonDocument::fromJson(item.value()).object());
     }
 
     /** Creates, notifies and loads a page and waits for its browser. */
-    void open(const char* path = "/p/7?officeType=w")
+    void open(const QVector<const char*>& paths = {"/p/7?officeType=w"})
     {
         page = new NHelioCloudDocsPage(nullptr, true, false);
         window->centralArea()->addPage(page);
-        page->notify(server.origin() + QLatin1String(path));
+        for (const char* path : paths)
+            page->notify(server.origin() + QLatin1String(path));
         page->load();
         ASSERT_TRUE(waitUntil([this] { return page->findChild<FakeBrowserWidget*>(); }));
         browser = page->findChild<FakeBrowserWidget*>();
@@ -122,9 +128,9 @@ TEST_F(FrontVersion, ADocumentIsServedFromThePackageWhileItsRequestsRun)
 TEST_F(FrontVersion, ANewDocumentHasNothingToRequest)
 {
     begin();
-    open("/office/new/w?officeType=w");
+    open({"/office/new/w?officeType=w"});
     EXPECT_FALSE(hasLogged(QStringLiteral("start request--")));
-    open("/p/?officeType=w");
+    open({"/p/?officeType=w"});
     EXPECT_FALSE(hasLogged(QStringLiteral("start request--")));
 }
 
@@ -150,10 +156,46 @@ TEST_F(FrontVersion, ADocumentOfUnknownTypeWaitsForTheVersionCheck)
     items.insert(62377, R"({"enabled": true, "vcsRequestTimeoutInterval": 60000})");
     answerVersionCheck(R"({"client_version": "1.0", "office_type": "w"})");
     begin();
-    open("/p/7");
+    open({"/p/7"});
     ASSERT_TRUE(waitForLog(QStringLiteral("vcs office type is w")));
     EXPECT_EQ(lastLoaded("officeType"), QStringLiteral("w"));
     EXPECT_EQ(browser->loads.size(), 1);
+}
+
+TEST_F(FrontVersion, TheVersionCheckEndsTheWaitOfAPageThatLearnedItsTypeMeanwhile)
+{
+    for (const bool delayed : {false, true}) {
+        items.insert(62377, R"({"enabled": true, "vcsRequestTimeoutInterval": 60000})");
+        items.insert(59777, delayed ? R"({"enabled": true})" : "{}");
+        answerVersionCheck("{}");
+        nreadonce::resetForTest();
+        if (!host)
+            start();
+        configure();
+        open({"/p/7", "/p/7?officeType=w"});
+        EXPECT_TRUE(waitUntil([this] { return browser->loads.size() == 1; })) << delayed;
+        EXPECT_EQ(lastLoaded("officeType"), QStringLiteral("w"));
+    }
+}
+
+TEST_F(FrontVersion, NothingElseIsShownWhileTheLoadIsHeldBack)
+{
+    HttpStub::Answer silent;
+    silent.silent = true;
+    server.answer("/", silent);
+    for (const auto& [item, path] : {std::pair(62377, "/p/7"), std::pair(59777, "/p/7?officeType=w")}) {
+        items.remove(62377);
+        items.remove(59777);
+        items.insert(item,
+                     R"({"enabled": true, "vcsRequestTimeoutInterval": 60000, "delay_interval": 60000})");
+        nreadonce::resetForTest();
+        if (!host)
+            start();
+        configure();
+        open({path});
+        browser->deliverStartupLoad();
+        EXPECT_TRUE(browser->loads.isEmpty()) << path;
+    }
 }
 
 TEST_F(FrontVersion, TheVersionCheckThatDoesNotAnswerIsWaitedForAWhile)
@@ -164,7 +206,7 @@ TEST_F(FrontVersion, TheVersionCheckThatDoesNotAnswerIsWaitedForAWhile)
     silent.silent = true;
     server.answer("/api/v3/office/prefetch/vcs/", silent);
     begin();
-    open("/p/7");
+    open({"/p/7"});
     EXPECT_TRUE(waitForLog(QStringLiteral("vcs response is time out")));
     EXPECT_EQ(browser->loads.size(), 1);
     const auto events = host->dataCollection().events();
@@ -231,7 +273,7 @@ TEST_F(FrontVersion, TheEnvironmentConfigurationResetsTheProxyWhenAllowed)
     items.insert(60994, R"({"enabled": true})");
     nreadonce::resetForTest();
     host->configCentre().set(60, 60994, QJsonDocument::fromJson(items.value(60994)).object());
-    open("/p/8?officeType=w");
+    open({"/p/8?officeType=w"});
     EXPECT_TRUE(waitUntil([this] { return steps("update_finish", "no_error") == 1; }));
     EXPECT_EQ(browser->loads.size(), 1) << "the running page stays";
 }

@@ -1,4 +1,5 @@
 #include "shell/config/HostFile.h"
+#include "shell/config/SessionCookie.h"
 #include "shell/config/UserMembers.h"
 
 #include <gmock/gmock.h>
@@ -31,7 +32,8 @@ TEST(HostFile, AnEmptyOneIsTheDemo)
     EXPECT_EQ(host->scriptOrigins(), QStringList({QStringLiteral("https://docs.skyleaf.test"),
                                                   QStringLiteral("https://drive.skyleaf.test")}));
     EXPECT_TRUE(host->interceptedHosts().contains(QStringLiteral("docs.skyleaf.test")));
-    EXPECT_FALSE(host->user.loggedIn);
+    EXPECT_TRUE(host->user.loggedIn);
+    EXPECT_EQ(host->user.sessionKey, QStringLiteral("demo-session"));
     EXPECT_EQ(host->applicationName, QStringLiteral("skyleaf-shell"));
 }
 
@@ -148,6 +150,33 @@ TEST(UserMembers, MergeIsAllOrNothing)
         shell::mergeUser({{QStringLiteral("cookies"), QString()}, {QStringLiteral("userId"), 5}}, user);
     EXPECT_THAT(error.toStdString(), HasSubstr("\"userId\" must be a text"));
     EXPECT_EQ(user.cookies, QStringLiteral("a=b"));
+}
+
+TEST(SessionCookie, GoesBehindTheUsersOwnCookies)
+{
+    const struct
+    {
+        const char* cookies;
+        const char* key;
+        const char* sent;
+    } cases[] = {{"", "k", "vlt_sid=k;"},
+                 {"a=b", "k", "a=b; vlt_sid=k;"},
+                 {" a=b ;; ", "k", "a=b; vlt_sid=k;"},
+                 {"xvlt_sid=1", "k", "xvlt_sid=1; vlt_sid=k;"},
+                 {"a=b; vlt_sid=own", "k", "a=b; vlt_sid=own"},
+                 {"a=b", "", "a=b"},
+                 {"a=b", "k;Path=/", "a=b"},
+                 {"a=b", "k\r\nX: y", "a=b"}};
+    for (const auto& entry : cases) {
+        const QString cookies = QString::fromUtf8(entry.cookies);
+        const QString key = QString::fromUtf8(entry.key);
+        const QString sent = shell::withSessionCookie(cookies, key);
+        EXPECT_EQ(sent, QString::fromUtf8(entry.sent)) << entry.cookies << ' ' << entry.key;
+        EXPECT_EQ(shell::withSessionCookie(shell::withoutSessionCookie(sent, key), key), sent);
+    }
+    EXPECT_EQ(shell::withoutSessionCookie(QStringLiteral("vlt_sid=k;"), QStringLiteral("k")), QString());
+    EXPECT_EQ(shell::withoutSessionCookie(QStringLiteral("vlt_sid=k;"), QStringLiteral("x")),
+              QStringLiteral("vlt_sid=k;"));
 }
 
 } // namespace

@@ -51,6 +51,8 @@ public:
         return {};
     }
     QString callCloudMethod(const QString&, const QStringList&, QObject*, const char*) override { return {}; }
+    QString tavaDlgObjIdentifier() const override { return QStringLiteral("silent"); }
+    void sendDialogCommand(const QString&, const QString&, NHelioSubPage*) override {}
     void showFileUploadProgress(QWidget*) override {}
     void showFileDownloadProgress(QWidget*) override {}
     void showLoginPrompt(QWidget*, const QString&, const QString&) override {}

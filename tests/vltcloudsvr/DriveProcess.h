@@ -45,6 +45,7 @@ public:
     {
         QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1").arg(m_http) + path));
         request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+        request.setRawHeader("Cookie", "vlt_sid=test");
         QNetworkReply* reply = m_network.sendCustomRequest(request, method, body);
         QEventLoop loop;
         QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);

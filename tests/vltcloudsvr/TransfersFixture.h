@@ -58,7 +58,7 @@ protected:
     vlt::cloudsvr::CallResult call(QLatin1String function, const Values& values)
     {
         const vlt::cloudsvr::Caller caller{QStringLiteral("anna"), directory.filePath(QStringLiteral("anna")),
-                                           apiUrl, resolve, QStringLiteral("sid=1")};
+                                           apiUrl, resolve, QStringLiteral("sid=1; vlt_sid=test;")};
         for (int attempt = 0; attempt < 5; ++attempt) {
             bool isThere = false;
             bool isAnswered = false;

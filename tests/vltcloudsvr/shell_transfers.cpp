@@ -57,6 +57,7 @@ protected:
     {
         QDir(directory.path()).mkdir(s("target"));
         user.userId = s("anna");
+        user.cookies = s("vlt_sid=test;");
         user.loggedIn = true;
         proxy = std::make_unique<ShellCloudSvrProxy>(
             user, ShellCloudService{{s(SERVICE_PROGRAM), dataDir, {s("--idle-exit-seconds"), s("1")}},

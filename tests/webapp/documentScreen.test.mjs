@@ -289,3 +289,32 @@ test('a document that cannot be saved is not left behind', async () => {
   assert.equal(textOf('save-state'), 'Saved');
   assert.equal(server.requests[server.requests.length - 1].body.base_version, 6);
 });
+
+test('whoever is not signed in is told so, and can sign in; what was typed stays', async () => {
+  const nobody = { status: 401, body: { result: 'userNotLogin', msg: 'Sign in to see this document' } };
+  const { screen, server, editors, editor, state } = start('/p/7');
+  const asked = [];
+  page.helio.call = async (name) => (asked.push(name), {});
+  editors.register('w', editor.mount);
+  server.answer(/preopen/, nobody).answer(/preopen/, nobody).answer(/plugin_config/, nobody).answer(/plugin_config/, nobody);
+  await screen.open();
+  assert.match(problem(), /^Sign in to see this document.*Sign inRetry/);
+  assert.equal(textOf('notices'), '');
+  page.document.querySelector('#problem button').click();
+  assert.deepEqual(asked, ['tavaLogin']);
+
+  server.answer(/preopen/, { body: preopenReply('7', 'Plan') }).answer(/content/, nobody);
+  await screen.open();
+  editor.edit(doc('typed'));
+  await screen.save();
+  assert.match(textOf('notices'), /not signed in any more.*kept in this page.*Sign inTry again/);
+  assert.equal(textOf('save-state'), 'Not saved: you are not signed in');
+  assert.equal(screen.leavingLosesChanges(), true);
+  await screen.save();
+  server.answer(/content/, { body: { result: 'ok', file_version: 2 } });
+  screen.reconnect();
+  await screen.save();
+  assert.deepEqual(server.requests[server.requests.length - 1].body.content, doc('typed'));
+  assert.doesNotMatch(textOf('notices'), /signed in/);
+  assert.equal(state().saved, true);
+});

@@ -64,7 +64,7 @@ test('an unreachable server is tried again, later and later, with the newest tex
   const delays = [];
   for (let round = 0; round < 6; ++round) {
     await answer({ ok: false, reason: 'unreachable', message: 'away' });
-    assert.deepEqual(queue.state, { kind: 'failed', message: 'away' });
+    assert.deepEqual(queue.state, { kind: 'failed', message: 'away', isSignedOut: false });
     delays.push(timers.delays[0]);
     await timers.fire();
   }

@@ -2,17 +2,58 @@
 
 #include <QJsonDocument>
 
+#include "http/CookieField.h"
+
 namespace documents {
 namespace {
 
 constexpr std::size_t keptRequests = 1000;
 constexpr int keptBodyBytes = 4096;
 
+bool isIdentity(const QByteArray& cookieName)
+{
+    return cookieName == "vlt_sid" || cookieName == "vltua" || cookieName == "weboffice_branch";
+}
+
+/** A "Cookie" field without the values that say who the user is. */
+QByteArray masked(const QByteArray& field)
+{
+    QByteArrayList cookies;
+    for (const auto& [name, value] : cookiesOf(field))
+        cookies.append(name + '=' + (isIdentity(name) ? QByteArray("*") : value));
+    return cookies.join("; ");
+}
+
+/** The names of the cookies that say who the user is. */
+QJsonArray identityNames(const QByteArray& field)
+{
+    QJsonArray names;
+    for (const auto& cookie : cookiesOf(field)) {
+        const QString name = QString::fromUtf8(cookie.first);
+        if (isIdentity(cookie.first) && !cookie.second.isEmpty() && !names.contains(name))
+            names.append(name);
+    }
+    return names;
+}
+
+QByteArray fieldOf(const LoggedRequest& request, const char* name)
+{
+    for (const auto& header : request.headers) {
+        if (header.first.toLower() == name)
+            return header.second;
+    }
+    return {};
+}
+
 QJsonObject toJson(const std::vector<std::pair<QByteArray, QByteArray>>& headers)
 {
     QJsonObject object;
-    for (const auto& [name, value] : headers)
-        object.insert(QString::fromUtf8(name.toLower()), QString::fromUtf8(value));
+    for (const auto& header : headers) {
+        const QByteArray name = header.first.toLower();
+        const bool isCookie = name == "cookie" || name == "x-cookie";
+        object.insert(QString::fromUtf8(name),
+                      QString::fromUtf8(isCookie ? masked(header.second) : header.second));
+    }
     return object;
 }
 
@@ -31,6 +72,7 @@ QJsonObject toJson(const LoggedRequest& request)
             {QStringLiteral("bytes"), request.bytes},
             {QStringLiteral("userAgent"), header("user-agent")},
             {QStringLiteral("cookie"), header("cookie")},
+            {QStringLiteral("cookies"), identityNames(fieldOf(request, "cookie"))},
             {QStringLiteral("origin"), header("origin")},
             {QStringLiteral("body"), QString::fromUtf8(request.body)},
             {QStringLiteral("headers"), headers}};

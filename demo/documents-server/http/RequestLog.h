@@ -24,8 +24,11 @@ struct LoggedRequest
     QByteArray body = {}; ///< of a POST, at most its first 4 KiB
 };
 
-/** As members "t", "method", "target", "status", "bytes", "userAgent", "cookie", "origin", "body" and
- * "headers", an object of all fields by their names in lower case. */
+/**
+ * As members "t", "method", "target", "status", "bytes", "userAgent", "cookie", "cookies", "origin", "body"
+ * and "headers", an object of all fields by their names in lower case. "cookies" names those of "vlt_sid",
+ * "vltua" and "weboffice_branch" that came with a value; the values themselves are nowhere.
+ */
 QJsonObject toJson(const LoggedRequest& request);
 
 /** The part of a POST's body that the log keeps. */

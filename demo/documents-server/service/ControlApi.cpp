@@ -15,6 +15,7 @@ const QLatin1String versionsResource("versions");
 const QLatin1String faultResource("fault");
 const QLatin1String logResource("log");
 const QLatin1String driveResource("drive");
+const QLatin1String sessionsResource("sessions");
 
 } // namespace
 
@@ -36,12 +37,13 @@ Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObje
 }
 
 ControlApi::ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log,
-                       Drive& drive)
+                       Drive& drive, UserSessions& sessions)
     : m_shaper(shaper)
     , m_versions(versions)
     , m_faults(faults)
     , m_log(log)
     , m_drive(drive)
+    , m_sessions(sessions)
 {
 }
 
@@ -53,7 +55,8 @@ HttpReply ControlApi::answer(const QString& resource, const HttpRequest& request
             return methodNotAllowed(request.target, QByteArrayLiteral("GET, HEAD"));
         return resource == logResource ? log(request.target) : driveTotals();
     }
-    if (resource != shapingResource && resource != versionsResource && resource != faultResource)
+    if (resource != shapingResource && resource != versionsResource && resource != faultResource &&
+        resource != sessionsResource)
         return notFound(request.target, QStringLiteral("There is no control resource \"%1\".").arg(resource));
     if (request.method != "PUT")
         return methodNotAllowed(request.target, QByteArrayLiteral("PUT"));
@@ -95,6 +98,8 @@ Failure ControlApi::put(const QString& resource, const QByteArray& body)
         return m_versions.setOverrides(document.object());
     if (resource == faultResource)
         return m_faults.setRules(document.object());
+    if (resource == sessionsResource)
+        return m_sessions.change(document.object());
     const auto settings = parseLinkSettings(m_shaper.settings(), document.object());
     if (!settings)
         return settings.error();

@@ -8,6 +8,7 @@
 #include "http/RequestLog.h"
 #include "service/FaultRules.h"
 #include "service/FrontVersions.h"
+#include "service/UserSessions.h"
 #include "store/Result.h"
 
 namespace documents {
@@ -17,9 +18,9 @@ Result<LinkSettings> parseLinkSettings(const LinkSettings& base, const QJsonObje
 
 /**
  * What tests and measurements turn while the server runs: PUT "shaping", "versions" and "fault", each
- * replacing the state of its name, and GET "log" with {"last": number of the last request, "requests": […]},
- * all that are kept or, with "?since=N", those numbered above N. GET "drive" tells what all drives hold
- * together:
+ * replacing the state of its name, PUT "sessions", which adds and removes keys, and GET "log" with {"last":
+ * number of the last request, "requests": […]}, all that are kept or, with "?since=N", those numbered above
+ * N. GET "drive" tells what all drives hold together:
  * {"folders","files","uploads": unfinished ones,"bytes"}. Bad values give 400 and change nothing. For
  * one thread.
  */
@@ -28,7 +29,7 @@ class ControlApi
 public:
     /** All are kept by reference and outlive the API. */
     ControlApi(LinkShaper& shaper, FrontVersions& versions, FaultRules& faults, const RequestLog& log,
-               Drive& drive);
+               Drive& drive, UserSessions& sessions);
 
     HttpReply answer(const QString& resource, const HttpRequest& request);
 
@@ -42,6 +43,7 @@ private:
     FaultRules& m_faults;
     const RequestLog& m_log;
     Drive& m_drive;
+    UserSessions& m_sessions;
 };
 
 } // namespace documents

@@ -10,22 +10,28 @@ namespace documents {
 
 DocumentsService::DocumentsService(DocumentStore& store, Drive& drive, const QString& siteDirectory,
                                    const QString& packageDirectory, Clock clock, LinkShaper& shaper,
-                                   const RequestLog& log)
+                                   const RequestLog& log, UserSessions sessions)
     : m_store(store)
     , m_site(siteDirectory)
     , m_versions(siteDirectory, std::move(clock))
     , m_packages(packageDirectory)
+    , m_sessions(std::move(sessions))
     , m_api(store, m_versions)
     , m_drive(drive, store)
-    , m_control(shaper, m_versions, m_faults, log, drive)
+    , m_control(shaper, m_versions, m_faults, log, drive, m_sessions)
 {
 }
 
 Reception DocumentsService::receive(const HttpRequest& head)
 {
-    const auto target = head.method == "PUT" ? parseRequestTarget(head.target) : std::nullopt;
+    const auto target = head.reads() ? std::nullopt : parseRequestTarget(head.target);
     const Route route = target ? routeOf(target->segments) : Route();
-    if (route.kind != RouteKind::Drive)
+    if (needsSession(route.kind) && !m_sessions.accepts(head.cookie)) {
+        Reception reception;
+        reception.refusal = {signInFirst(head)};
+        return reception;
+    }
+    if (route.kind != RouteKind::Drive || head.method != "PUT")
         return {};
     if (!DriveApi::isStreamed(route.filePath))
         return m_drive.receive(route.filePath, *target);
@@ -60,6 +66,8 @@ Answer DocumentsService::reply(const HttpRequest& request)
         return {errorReply(request.target, 400, QStringLiteral("BadRequest"),
                            QStringLiteral("The address is malformed."))};
     const Route route = routeOf(target->segments);
+    if (needsSession(route.kind) && !m_sessions.accepts(request.cookie))
+        return {signInFirst(request)};
     return route.kind == RouteKind::Drive ? m_drive.answer(route.filePath, *target, request)
                                           : Answer{reply(route, *target, request)};
 }
@@ -120,6 +128,20 @@ HttpReply DocumentsService::package(const QString& plugin, const HttpRequest& re
     const OfficeType* type = officeTypeByPlugin(plugin);
     return type ? m_packages.description(plugin, m_versions.of(type->package).version, request.target)
                 : notFound(request.target, QStringLiteral("There is no package \"%1\".").arg(plugin));
+}
+
+HttpReply DocumentsService::signInFirst(const HttpRequest& request) const
+{
+    const QString text = QStringLiteral("Sign in to see this document");
+    HttpRequest anew;
+    anew.method = request.method;
+    auto page =
+        isApiTarget(request.target) ? std::nullopt : m_site.file({QStringLiteral("signin.html")}, anew);
+    if (!page)
+        return errorReply(request.target, 401, QStringLiteral("userNotLogin"), text);
+    page->status = 401;
+    page->headers = {{QByteArrayLiteral("Cache-Control"), QByteArrayLiteral("no-store")}};
+    return *page;
 }
 
 HttpReply DocumentsService::documentPage(const QString& id, const RequestTarget& target,

@@ -15,6 +15,7 @@
 #include "service/PackageDirectory.h"
 #include "service/Routes.h"
 #include "service/StaticSite.h"
+#include "service/UserSessions.h"
 #include "store/DocumentStore.h"
 
 namespace documents {
@@ -26,7 +27,8 @@ public:
     /** Store and drive, already open, the shaper and the log are kept by reference and outlive the service.
      */
     DocumentsService(DocumentStore& store, Drive& drive, const QString& siteDirectory,
-                     const QString& packageDirectory, Clock clock, LinkShaper& shaper, const RequestLog& log);
+                     const QString& packageDirectory, Clock clock, LinkShaper& shaper, const RequestLog& log,
+                     UserSessions sessions = UserSessions());
 
     /** How the body that follows the head is to be received. */
     Reception receive(const HttpRequest& head);
@@ -39,6 +41,7 @@ private:
     HttpReply reply(const Route& route, const RequestTarget& target, const HttpRequest& request);
     HttpReply read(const Route& route, const RequestTarget& target, const HttpRequest& request);
     HttpReply package(const QString& plugin, const HttpRequest& request);
+    HttpReply signInFirst(const HttpRequest& request) const;
     HttpReply documentPage(const QString& id, const RequestTarget& target, const HttpRequest& request) const;
     HttpReply page(const QString& officeType, const HttpRequest& request) const;
     HttpReply siteFile(const QStringList& path, const HttpRequest& request) const;
@@ -48,6 +51,7 @@ private:
     FrontVersions m_versions;
     PackageDirectory m_packages;
     FaultRules m_faults;
+    UserSessions m_sessions;
     DocumentsApi m_api;
     DriveApi m_drive;
     ControlApi m_control;

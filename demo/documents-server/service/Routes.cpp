@@ -67,6 +67,22 @@ Route routeOf(const QStringList& segments)
     return {RouteKind::SiteFile, {}, {}, segments};
 }
 
+bool needsSession(RouteKind kind)
+{
+    switch (kind) {
+    case RouteKind::DocumentPage:
+    case RouteKind::NewPage:
+    case RouteKind::Files:
+    case RouteKind::Preopen:
+    case RouteKind::Content:
+    case RouteKind::OfficeConfig:
+    case RouteKind::Drive:
+        return true;
+    default:
+        return false;
+    }
+}
+
 QByteArray allowedMethods(RouteKind kind)
 {
     switch (kind) {

@@ -36,6 +36,12 @@ struct Route
 /** Where a decoded path leads, whatever the method. */
 Route routeOf(const QStringList& segments);
 
+/**
+ * Whether only users with a session get an answer: documents and the drive, but not the site around them, its
+ * versions and packages, and the control resources. The version check comes without cookies.
+ */
+bool needsSession(RouteKind kind);
+
 /** The methods that a kind of route answers, as in an "Allow" field; control resources check their own. */
 QByteArray allowedMethods(RouteKind kind);
 

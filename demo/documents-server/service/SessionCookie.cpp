@@ -3,17 +3,18 @@
 #include <algorithm>
 #include <array>
 
-#include <QList>
 #include <QRandomGenerator>
 #include <QString>
+
+#include "http/CookieField.h"
 
 namespace documents {
 
 bool hasSessionCookie(const QByteArray& cookieField)
 {
-    const auto cookies = cookieField.split(';');
+    const auto cookies = cookiesOf(cookieField);
     return std::any_of(cookies.begin(), cookies.end(),
-                       [](const QByteArray& cookie) { return cookie.trimmed().startsWith("docs_session="); });
+                       [](const auto& cookie) { return cookie.first == "docs_session"; });
 }
 
 QByteArray newSessionCookie()

@@ -8,6 +8,7 @@ import { DocumentScreen } from './document/DocumentScreen.js';
 import { DocumentsApi } from './document/DocumentsApi.js';
 import { EditorRegistry } from './document/EditorRegistry.js';
 import { NativeSide } from './document/NativeSide.js';
+import { TakeOver } from './document/TakeOver.js';
 import { wantsServiceWorker } from './document/workerWish.js';
 import { frontVersion } from './frontVersion.js';
 import { PageFrame } from './ui/PageFrame.js';
@@ -60,11 +61,16 @@ function warnBeforeLoss(event) {
 
 watchFailures(window, (text) => screen.reportFailure(text));
 window.addEventListener('DOMContentLoaded', () => editors.allScriptsRead());
-window.addEventListener('ON_APP_OPENFILE_READY', () => screen.open({ mayReload: true }));
+new TakeOver(window, () => {
+  // Also tells the desktop side, which was not there for a page without a document, that somebody is at home here.
+  showNativeSide();
+  screen.open({ mayReload: true });
+});
 window.addEventListener('keydown', saveByKey, { capture: true });
 window.addEventListener('beforeunload', warnBeforeLoss);
 window.addEventListener('online', () => screen.reconnect());
 window.addEventListener('focus', () => screen.reconnect());
+window.addEventListener('skyleaf-account', ({ detail }) => detail.signedIn && screen.reconnect());
 
 screen.open();
 showNativeSide();

@@ -5,6 +5,7 @@
 #include "nheliostat/browser/BrowserOrigin.h"
 #include "nheliostat/browser/ChromiumFlags.h"
 #include "nheliostat/browser/CookieWriter.h"
+#include "nheliostat/browser/PreparedViewStore.h"
 #include "nheliostat/browser/ProfileStore.h"
 #include "nheliostat/browser/WebEngineBrowserWidget.h"
 #include "nheliostat/browser/WebViewContainer.h"
@@ -97,11 +98,13 @@ BrowserEnvironment::BrowserEnvironment(Setup setup)
     host::setBrowserFactory([this](QWidget* parent, const QString& id, const QString& name) {
         return new WebEngineBrowserWidget(*this, id, name, parent);
     });
+    m_preparedViews = std::make_unique<PreparedViewStore>(*this);
 }
 
 BrowserEnvironment::~BrowserEnvironment()
 {
     host::setBrowserFactory({});
+    m_preparedViews.reset();
     const QList<WebViewContainer*> views = m_views.values();
     for (WebViewContainer* const view : views)
         view->endView();
@@ -145,7 +148,10 @@ BrowserEnvironment::replyPublisher(const QByteArray& viewId)
 
 QWebEngineProfile* BrowserEnvironment::profile(const QString& cachePath, const QString& cookiePath)
 {
-    return m_profiles->profile(cachePath, cookiePath);
+    QWebEngineProfile* const found = m_profiles->profile(cachePath, cookiePath);
+    if (!found->isOffTheRecord())
+        m_lastKeptProfile = found;
+    return found;
 }
 
 void BrowserEnvironment::setCookie(QWebEngineProfile* profile, const QUrl& url, const QNetworkCookie& cookie,

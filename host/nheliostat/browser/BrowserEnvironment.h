@@ -21,6 +21,7 @@ class QWebEngineProfile;
 
 namespace nheliostat::browser {
 
+class PreparedViewStore;
 class ProfileStore;
 class WebEngineBrowserWidget;
 class WebViewContainer;
@@ -72,6 +73,8 @@ public:
     std::function<QUrl(const QString&, const QByteArray&, const QByteArray&)>
     replyPublisher(const QByteArray& viewId);
     QWebEngineProfile* profile(const QString& cachePath, const QString& cookiePath);
+    /** Of the profiles that keep their data, the one that was asked for last; null before that. */
+    QWebEngineProfile* lastKeptProfile() const { return m_lastKeptProfile; }
     void setCookie(QWebEngineProfile* profile, const QUrl& url, const QNetworkCookie& cookie,
                    std::function<void(bool)> completion);
 
@@ -94,6 +97,8 @@ private:
     ProtocolHandler m_protocolHandler;
     std::unique_ptr<RequestGateway> m_gateway;
     std::unique_ptr<ProfileStore> m_profiles;
+    QWebEngineProfile* m_lastKeptProfile = nullptr;
+    std::unique_ptr<PreparedViewStore> m_preparedViews;
     QHash<QByteArray, WebViewContainer*> m_views;
 };
 

@@ -45,7 +45,7 @@ QStringList BrowserWebPage::chooseFiles(FileSelectionMode mode, const QStringLis
 
 void BrowserWebPage::javaScriptAlert(const QUrl& securityOrigin, const QString& text)
 {
-    if (m_owner.withoutDialogs)
+    if (m_owner.withoutDialogs || m_abandoned)
         NxLoggerLite::writeInfo(consoleTag, QStringLiteral("alert: ") + text);
     else
         QWebEnginePage::javaScriptAlert(securityOrigin, text);
@@ -53,13 +53,15 @@ void BrowserWebPage::javaScriptAlert(const QUrl& securityOrigin, const QString& 
 
 bool BrowserWebPage::javaScriptConfirm(const QUrl& securityOrigin, const QString& text)
 {
+    if (m_abandoned) // the question is whether it may be left
+        return true;
     return !m_owner.withoutDialogs && QWebEnginePage::javaScriptConfirm(securityOrigin, text);
 }
 
 bool BrowserWebPage::javaScriptPrompt(const QUrl& securityOrigin, const QString& text,
                                       const QString& defaultValue, QString* result)
 {
-    return !m_owner.withoutDialogs &&
+    return !m_owner.withoutDialogs && !m_abandoned &&
            QWebEnginePage::javaScriptPrompt(securityOrigin, text, defaultValue, result);
 }
 

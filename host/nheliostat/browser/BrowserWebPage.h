@@ -25,6 +25,9 @@ public:
 
     BrowserWebPage(QWebEngineProfile* profile, Owner owner, QObject* parent);
 
+    /** Nobody looks at the page any more: it may ask nothing, and cannot hold up its own going. */
+    void setAbandoned(bool abandoned) { m_abandoned = abandoned; }
+
 protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
     bool certificateError(const QWebEngineCertificateError& error) override;
@@ -42,6 +45,7 @@ private:
     void denyFeature(const QUrl& securityOrigin, Feature feature);
 
     Owner m_owner;
+    bool m_abandoned = false;
 };
 
 } // namespace nheliostat::browser

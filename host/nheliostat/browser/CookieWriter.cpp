@@ -13,6 +13,23 @@ namespace {
 
 constexpr int patienceMs = 2000;
 
+/** The host that a cookie belongs to; the store puts a dot before those that hold for subdomains too. */
+QString ownerOf(const QNetworkCookie& cookie, const QString& host)
+{
+    const QString domain = cookie.domain().isEmpty() ? host : cookie.domain();
+    return domain.startsWith(QLatin1Char('.')) ? domain.mid(1) : domain;
+}
+
+/** What no store takes; asking it would let its report of a like cookie pass for this one. */
+bool isRefused(const QUrl& url, const QNetworkCookie& cookie)
+{
+    const QString owner = ownerOf(cookie, url.host()).toLower();
+    const bool isForeign =
+        url.host() != owner && !url.host().endsWith(QLatin1Char('.') + owner, Qt::CaseInsensitive);
+    return cookie.name().isEmpty() || !url.isValid() || url.host().isEmpty() || isForeign ||
+           (cookie.isSecure() && url.scheme() != QLatin1String("https"));
+}
+
 } // namespace
 
 CookieWriter::CookieWriter(QWebEngineCookieStore& store, QObject* parent)
@@ -24,23 +41,28 @@ CookieWriter::CookieWriter(QWebEngineCookieStore& store, QObject* parent)
 
 void CookieWriter::set(const QUrl& url, const QNetworkCookie& cookie, Completion completion)
 {
+    if (isRefused(url, cookie)) {
+        QTimer::singleShot(0, this, [completion = std::move(completion)] {
+            if (completion)
+                completion(false);
+        });
+        return;
+    }
     const int id = ++m_lastId;
-    m_waiting.append({id, cookie, std::move(completion)});
-    const bool isValid = !cookie.name().isEmpty() && url.isValid() && !url.host().isEmpty();
+    m_waiting.append({id, cookie, url.host(), std::move(completion)});
+    m_store.setCookie(cookie, url);
+    // A cookie that is over on arrival is never reported as added: it is stored by being gone.
     const bool isRemoval =
         cookie.expirationDate().isValid() && cookie.expirationDate() < QDateTime::currentDateTimeUtc();
-    if (isValid)
-        m_store.setCookie(cookie, url);
-    // A cookie that is over on arrival is never reported as added: it is stored by being gone.
-    const int delayMs = isValid && !isRemoval ? patienceMs : 0;
-    QTimer::singleShot(delayMs, this,
-                       [this, id, isRemoval, isValid] { endWaiting(id, isValid && isRemoval); });
+    QTimer::singleShot(isRemoval ? 0 : patienceMs, this,
+                       [this, id, isRemoval] { endWaiting(id, isRemoval); });
 }
 
 void CookieWriter::takeAdded(const QNetworkCookie& cookie)
 {
     const auto isSame = [&cookie](const Waiting& waiting) {
-        return waiting.cookie.name() == cookie.name() && waiting.cookie.value() == cookie.value();
+        return waiting.cookie.name() == cookie.name() && waiting.cookie.value() == cookie.value() &&
+               ownerOf(waiting.cookie, waiting.host).compare(ownerOf(cookie, {}), Qt::CaseInsensitive) == 0;
     };
     const auto found = std::find_if(m_waiting.cbegin(), m_waiting.cend(), isSame);
     if (found != m_waiting.cend())

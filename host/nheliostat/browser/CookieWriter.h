@@ -15,6 +15,7 @@ namespace nheliostat::browser {
  * Stores cookies in a profile and tells when they are stored. User-interface thread.
  *
  * The store only reports cookies that it took: one that is not reported within two seconds counts as refused.
+ * A report ends the oldest wait for that cookie.
  */
 class CookieWriter final : public QObject
 {
@@ -33,6 +34,7 @@ private:
     {
         int id = 0;
         QNetworkCookie cookie;
+        QString host; //!< of the URL
         Completion completion;
     };
 

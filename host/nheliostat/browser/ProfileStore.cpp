@@ -61,6 +61,9 @@ ProfileStore::~ProfileStore() = default;
 QWebEngineProfile* ProfileStore::profile(const QString& cachePath, const QString& cookiePath)
 {
     const QPair<QString, QString> key(directoryPath(cachePath), directoryPath(cookiePath));
+    const bool isNamed = !key.first.isEmpty() || !key.second.isEmpty();
+    if (!isNamed && m_firstNamed)
+        return m_firstNamed;
     const auto found = m_entries.find(key);
     if (found != m_entries.end())
         return found->second.profile.get();
@@ -68,7 +71,10 @@ QWebEngineProfile* ProfileStore::profile(const QString& cachePath, const QString
     Entry made;
     made.profile = makeProfile(key.first, key.second, m_entries.size());
     made.cookies = std::make_unique<CookieWriter>(*made.profile->cookieStore());
-    return m_entries.emplace(key, std::move(made)).first->second.profile.get();
+    QWebEngineProfile* const profile = m_entries.emplace(key, std::move(made)).first->second.profile.get();
+    if (isNamed && !m_firstNamed)
+        m_firstNamed = profile;
+    return profile;
 }
 
 CookieWriter* ProfileStore::cookies(const QWebEngineProfile* profile) const

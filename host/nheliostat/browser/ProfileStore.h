@@ -22,7 +22,10 @@ public:
     ProfileStore();
     ~ProfileStore();
 
-    /** Both paths empty: one profile that keeps nothing on disk. A "\" in a path separates directories. */
+    /**
+     * A "\" in a path separates directories. Both paths empty: the profile that was named first, so that
+     * links open with the user's session; until there is one, a profile that keeps nothing on disk.
+     */
     QWebEngineProfile* profile(const QString& cachePath, const QString& cookiePath);
     /** The writer for a profile of this store. */
     CookieWriter* cookies(const QWebEngineProfile* profile) const;
@@ -35,6 +38,7 @@ private:
     };
 
     std::map<QPair<QString, QString>, Entry> m_entries;
+    QWebEngineProfile* m_firstNamed = nullptr;
 };
 
 } // namespace nheliostat::browser

@@ -46,6 +46,13 @@ void ResourceRegistrations::detach(const QByteArray& viewId)
     m_viewId.clear();
 }
 
+void ResourceRegistrations::add(const ResourceRegistrations& other)
+{
+    addHandlers(other.m_handlers);
+    setDirectories(other.m_directories);
+    addFavicons(other.m_favicons);
+}
+
 void ResourceRegistrations::addHandlers(const QVector<NHelioResourceCacheEntry>& entries)
 {
     QStringList prefixes;

@@ -20,6 +20,9 @@ public:
     /** Does nothing for a view that another one has replaced. */
     void detach(const QByteArray& viewId);
 
+    /** Registers what another one holds, too. */
+    void add(const ResourceRegistrations& other);
+
     /** A prefix that is registered again gets the new handler. */
     void addHandlers(const QVector<NHelioResourceCacheEntry>& entries);
     void setDirectories(const QVector<NHelioLocalPathPair>& pairs);

@@ -79,6 +79,7 @@ QStringList ScriptPort::takeCall(const QString& token, const QString& text, Take
 {
     if (!isAdmitted(token))
         return failure(QStringLiteral("refused: not a call of this document"));
+    Q_EMIT messageCame();
     if (!m_object)
         return failure(QStringLiteral("no script object"));
     QStringList collected;
@@ -91,6 +92,7 @@ void ScriptPort::emitHost(const QString& token, const QString& name, const QStri
 {
     if (!isAdmitted(token))
         return;
+    Q_EMIT messageCame();
     auto* const api = qobject_cast<NHelioCommonJSAPI*>(m_object.data());
     const QJsonDocument data = QJsonDocument::fromJson(json.toUtf8());
     if (!api || !data.isObject() || !api->reportFromScript(name, data.object()))

@@ -65,6 +65,8 @@ public:
     void raiseEvent(const QString& name, const QString& text) override;
 
 Q_SIGNALS:
+    /** The current document called or reported something. */
+    void messageCame();
     void message(const QString& kind, const QString& target, const QString& text);
 
 private:

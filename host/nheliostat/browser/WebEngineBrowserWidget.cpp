@@ -9,6 +9,7 @@
 #include "nheliostat/browser/LoadingCover.h"
 #include "nheliostat/browser/ResourceRegistrations.h"
 #include "nheliostat/browser/StartupPages.h"
+#include "nheliostat/browser/TakeOverWatch.h"
 #include "nheliostat/browser/WebViewContainer.h"
 #include "zeolite/NxLoggerLite.h"
 
@@ -24,9 +25,6 @@ namespace nheliostat::browser {
 namespace {
 
 const QString logTag = QStringLiteral("Browser");
-
-/** Which browser made which view. */
-constexpr const char* browserProperty = "nheliostatBrowser";
 
 QWidget* pageAround(QWidget* widget)
 {
@@ -81,17 +79,14 @@ WebEngineBrowserWidget::~WebEngineBrowserWidget()
         delete m_container;
 }
 
-WebEngineBrowserWidget* WebEngineBrowserWidget::browserOf(const WebViewContainer* view)
-{
-    return qobject_cast<WebEngineBrowserWidget*>(view->property(browserProperty).value<QObject*>());
-}
-
 void WebEngineBrowserWidget::setStartupUrl(const QString& url)
 {
     if (url.isEmpty())
         return;
     m_startupUrl = url;
     setProperty("startupUrl", url);
+    if (m_takeOver && url.startsWith(QLatin1String("http"), Qt::CaseInsensitive))
+        m_takeOver->expect();
 }
 
 void WebEngineBrowserWidget::setEnableStartupUrl(bool enable)
@@ -107,12 +102,11 @@ void WebEngineBrowserWidget::initWebView()
         NxLoggerLite::writeWarning(logTag, QStringLiteral("no browser environment"));
         return;
     }
-    QWebEngineProfile* const profile =
-        m_environment->profile(property("cachePath").toString(), property("cookiePath").toString());
-    m_container = new WebViewContainer(*m_environment, profile, m_resources, m_stage);
-    m_container->setProperty(browserProperty, QVariant::fromValue<QObject*>(this));
+    m_container = takeOrMakeView();
+    setBrowserOf(*m_container, this);
     m_container->setSupportedProtocols(m_supportedProtocols);
     m_layers->addWidget(m_container, 0, 0);
+    m_container->show();
     m_container->lower();
     setFocusProxy(m_container);
     wireView();
@@ -130,9 +124,11 @@ void WebEngineBrowserWidget::releaseWebView()
 {
     if (!m_container)
         return;
+    if (m_takeOver)
+        m_takeOver->end();
     // The renderer goes at the next turn: this may be called from inside one of its questions.
     m_container->disconnect(this);
-    m_container->setProperty(browserProperty, QVariant());
+    setBrowserOf(*m_container, nullptr);
     m_container->hide();
     m_resources->detach(m_container->viewId());
     m_container->destroyLater();
@@ -157,6 +153,8 @@ void WebEngineBrowserWidget::load(const QUrl& url)
     }
     m_loadingUrl = url;
     m_errorPanel->hide();
+    if (m_takeOver)
+        m_takeOver->end();
     if (page())
         page()->load(url);
 }
@@ -310,6 +308,10 @@ QWebEnginePage* WebEngineBrowserWidget::page() const
 void WebEngineBrowserWidget::wireView()
 {
     WebViewContainer* const view = m_container;
+    if (m_takeOver) {
+        connect(view, &WebViewContainer::scriptRun, m_takeOver, &TakeOverWatch::noteScript);
+        connect(view, &WebViewContainer::messageCame, m_takeOver, &TakeOverWatch::noteAnswer);
+    }
     connect(view, &NxWebViewContainer::loadStarted, this, &WebEngineBrowserWidget::beginLoad);
     connect(view, &NxWebViewContainer::addressChange, this, &WebEngineBrowserWidget::showAddress);
     connect(view, &NxWebViewContainer::faviconChange, this, &NHelioBrowserWidgetBase::faviconChange);
@@ -341,13 +343,17 @@ void WebEngineBrowserWidget::askForScriptObject()
 
 void WebEngineBrowserWidget::loadStartupUrl()
 {
-    if (m_startupUrlEnabled && !m_startupUrl.isEmpty() && page() && currentUrl().isEmpty())
+    // What was loaded in advance is nobody's choice.
+    const bool isFree = currentUrl().isEmpty() || (m_takeOver && m_takeOver->isOpen());
+    if (m_startupUrlEnabled && !m_startupUrl.isEmpty() && page() && isFree)
         load(QUrl(m_startupUrl));
 }
 
 void WebEngineBrowserWidget::beginLoad()
 {
     m_errorPanel->hide();
+    if (m_takeOver)
+        m_takeOver->end();
     if (m_coverNextLoad && !property("skipLoadingWidgetInjection").toBool())
         m_cover->showFor(QString());
     m_coverNextLoad = false;
@@ -386,6 +392,8 @@ void WebEngineBrowserWidget::takeCrash()
     const QString lastUrl = currentUrl();
     m_loadingUrl.clear();
     m_cover->hide();
+    if (m_takeOver)
+        m_takeOver->end();
     NxLoggerLite::writeError(logTag, QStringLiteral("the renderer process ended"));
     NHelioApplication* const application = NHelioApplication::instance();
     if (application && application->scriptIpcEventHub())
@@ -404,6 +412,10 @@ void WebEngineBrowserWidget::takeTitle(const QString& title)
 
 void WebEngineBrowserWidget::takeWebFileReady(const QMap<QString, QString>& info)
 {
+    if (m_takeOver && m_takeOver->isOpen()) {
+        m_takeOver->end();
+        Q_EMIT loadFinished(true); // of what was loaded in advance: it is a page's only now
+    }
     Q_EMIT webFileReady(info);
 }
 

@@ -20,6 +20,7 @@ class BrowserToolbar;
 class LoadErrorPanel;
 class LoadingCover;
 class ResourceRegistrations;
+class TakeOverWatch;
 class WebViewContainer;
 
 /** The browser widget on Qt WebEngine. User-interface thread. */
@@ -34,6 +35,14 @@ public:
 
     /** The browser that made the view, while both last. */
     static WebEngineBrowserWidget* browserOf(const WebViewContainer* view);
+
+    /**
+     * The view that `initWebView` takes instead of making one; it becomes this widget's. What is loaded in it
+     * stays until something else is loaded.
+     */
+    void setPreparedView(WebViewContainer* view);
+    /** The view goes to another owner. */
+    void letGoOfView();
 
     void setStartupUrl(const QString& url) override;
     void setEnableStartupUrl(bool enable) override;
@@ -72,7 +81,11 @@ public:
     Q_INVOKABLE void injectLoadingWidgetFlag();
 
 private:
+    static void setBrowserOf(WebViewContainer& view, WebEngineBrowserWidget* browser);
     QWebEnginePage* page() const;
+    WebViewContainer* takeOrMakeView();
+    void watchTakeOver();
+    void giveUpTakeOver();
     void wireView();
     void askForScriptObject();
     void loadStartupUrl();
@@ -107,6 +120,8 @@ private:
     LoadingCover* m_cover;
     LoadErrorPanel* m_errorPanel;
     QPointer<WebViewContainer> m_container;
+    QPointer<WebViewContainer> m_prepared;
+    TakeOverWatch* m_takeOver = nullptr; //!< while the view shows what was loaded in advance
 };
 
 } // namespace nheliostat::browser

@@ -17,6 +17,7 @@
 #include <QDropEvent>
 #include <QVBoxLayout>
 #include <QWebChannel>
+#include <QWebEngineHistory>
 #include <QWebEngineProfile>
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
@@ -104,6 +105,7 @@ void WebViewContainer::wirePage()
     connect(m_loads.get(), &LoadWatcher::failed, this, &WebViewContainer::failLoad);
     connect(m_loads.get(), &LoadWatcher::ended, this, &WebViewContainer::endLoad);
     connect(m_loads.get(), &LoadWatcher::abandoned, this, &WebViewContainer::loadAbandoned);
+    connect(m_port.get(), &ScriptPort::messageCame, this, &WebViewContainer::messageCame);
     connect(m_view.get(), &BrowserWebView::filesEntered, this, &WebViewContainer::dragEnter);
     connect(m_view.get(), &BrowserWebView::filesDropped, this, &WebViewContainer::filesDropped);
 }
@@ -131,6 +133,31 @@ void WebViewContainer::endView()
     m_environment.gateway().closeView(m_viewId);
 }
 
+void WebViewContainer::wipe()
+{
+    disconnect();
+    setScriptObject(nullptr);
+    m_resources->clear();
+    setSupportedProtocols({});
+    enableDragDrop(false);
+    setCustomHeaderHandler({});
+    if (m_evaluator)
+        m_evaluator->abandonOpen(QStringLiteral("the view was given back"));
+    if (!m_page)
+        return;
+    m_page->setAbandoned(true);
+    m_page->runJavaScript(QStringLiteral("window.sessionStorage.clear()"),
+                          QWebEngineScript::ApplicationWorld);
+}
+
+void WebViewContainer::putToUse()
+{
+    if (!m_page)
+        return;
+    m_page->setAbandoned(false);
+    m_page->history()->clear();
+}
+
 void WebViewContainer::setSupportedProtocols(const QStringList& schemes)
 {
     m_supportedProtocols = schemes;
@@ -141,6 +168,9 @@ void WebViewContainer::setScriptObject(QObject* object)
     auto* const scriptObject = qobject_cast<NxWebViewAsynJSObject*>(object);
     if (object && !scriptObject)
         NxLoggerLite::writeWarning(logTag, QStringLiteral("not a script object"));
+    if (m_scriptObject && m_scriptObject != object)
+        m_scriptObject->deleteLater();
+    m_scriptObject = object;
     if (object)
         object->setParent(this);
     m_port->setScriptObject(scriptObject);
@@ -189,8 +219,10 @@ void WebViewContainer::setCookie(const QUrl& url, const QNetworkCookie& cookie,
 
 void WebViewContainer::executeScript(const QString& script)
 {
-    if (m_page)
-        m_page->runJavaScript(script, QWebEngineScript::MainWorld);
+    if (!m_page)
+        return;
+    m_page->runJavaScript(script, QWebEngineScript::MainWorld);
+    Q_EMIT scriptRun();
 }
 
 void WebViewContainer::clearLocalResourceCache()

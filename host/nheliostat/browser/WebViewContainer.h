@@ -39,8 +39,15 @@ public:
     /** Null once the view has ended. */
     QWebEnginePage* page() const;
     QByteArray viewId() const { return m_viewId; }
+    /** Shared with the browser that shows the view. */
+    const std::shared_ptr<ResourceRegistrations>& resources() const { return m_resources; }
+    /** Forgets all that its user gave it, listeners included, as well as the page's session data. */
+    void wipe();
     /** Ends page and renderer; afterwards the container is empty and does nothing. */
     void endView();
+
+    /** Somebody looks at the page again. */
+    void putToUse();
 
     void setSupportedProtocols(const QStringList& schemes);
     /** Takes the object that answers the page's calls into its ownership; null for none. */
@@ -71,6 +78,10 @@ Q_SIGNALS:
     void loadEnded(bool ok);
     void loadAbandoned();
     void crashed();
+    /** A script of the owner runs in the main frame. */
+    void scriptRun();
+    /** The page's document sent a message. */
+    void messageCame();
 
 private:
     void wirePage();
@@ -89,6 +100,7 @@ private:
     QByteArray m_viewId;
     QStringList m_supportedProtocols;
     std::unique_ptr<ScriptPort> m_port;
+    QPointer<QObject> m_scriptObject;
     std::unique_ptr<QWebChannel> m_channel;
     std::unique_ptr<ViewRequestInterceptor> m_interceptor;
     std::unique_ptr<BrowserWebView> m_view; //!< its child is the page

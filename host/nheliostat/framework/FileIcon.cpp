@@ -1,60 +1,86 @@
+#include "nheliostat/framework/FileIcon.h"
+
 #include "nheliostat/NHelioSubPage.h"
 
 #include <QHash>
 #include <QPainter>
 #include <QPixmap>
+#include <QSvgRenderer>
 
 namespace {
 
+/** The drawing of a kind and the suffixes and type letters of its files. */
 struct Kind
 {
-    QRgb colour;
-    QChar letter;
+    const char* drawing;
+    const char* suffixes;
 };
 
-/** A sheet in the colour of its kind with the kind's letter; other files are grey with their first letter. */
-Kind kindOf(const QString& suffix)
+constexpr Kind kinds[] = {
+    {"text", "w word onlinevlt doc docx docm dot dotx odt rtf txt md"},
+    {"sheet", "s vs onlinevs xls xlsx xlsm xlt xltx csv ods"},
+    {"slides", "p vpp onlinevpp ppt pptx pptm pps ppsx pot potx odp"},
+    {"pdf", "f pdf onlinepdf"},
+    {"note", "o otl mo motl"},
+    {"smartsheet", "k nsheet"},
+    {"database", "d db dbt"},
+    {"diagram", "flow process vsd vsdx"},
+    {"picture", "png jpg jpeg gif bmp webp svg tif tiff"},
+    {"archive", "zip rar 7z tar gz xz"},
+};
+
+/** Empty for a suffix that no kind is known for. */
+QString drawingOf(const QString& suffix)
 {
-    static const QHash<QString, Kind> kinds = [] {
-        QHash<QString, Kind> all;
-        const auto add = [&all](const char* suffixes, Kind kind) {
-            const QStringList names = QString::fromLatin1(suffixes).split(QLatin1Char(' '));
-            for (const QString& name : names)
-                all.insert(name, kind);
-        };
-        add("w doc docx odt rtf txt word otl o", {0xff2f6fd6, QLatin1Char('W')});
-        add("s k xls xlsx xlsm csv ods vs nsheet", {0xff2e8b57, QLatin1Char('S')});
-        add("p ppt pptx odp vpp", {0xffd2691e, QLatin1Char('P')});
-        add("f pdf", {0xffc0392b, QLatin1Char('F')});
+    static const QHash<QString, QString> drawings = [] {
+        QHash<QString, QString> all;
+        for (const Kind& kind : kinds) {
+            const QStringList suffixes = QString::fromLatin1(kind.suffixes).split(u' ');
+            for (const QString& each : suffixes)
+                all.insert(each, QString::fromLatin1(kind.drawing));
+        }
         return all;
     }();
-    return kinds.value(suffix, {0xff7f8c8d, suffix.at(0).toUpper()});
+    return drawings.value(suffix.toLower());
+}
+
+QIcon draw(const QString& drawing)
+{
+    QSvgRenderer svg(QStringLiteral(":/nheliostat/shell/files/%1.svg").arg(drawing));
+    QIcon icon;
+    for (const int side : {16, 24, 32, 48}) {
+        QPixmap pixmap(side, side);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        svg.render(&painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+QIcon iconOf(const QString& drawing)
+{
+    // The tabs ask again and again. Never destroyed: pixmaps must not go after the application object.
+    static auto& icons = *new QHash<QString, QIcon>;
+    QIcon& icon = icons[drawing];
+    if (icon.isNull())
+        icon = draw(drawing);
+    return icon;
 }
 
 } // namespace
+
+QIcon knownFileIcon(const QString& suffix)
+{
+    const QString drawing = drawingOf(suffix);
+    return drawing.isEmpty() ? QIcon() : iconOf(drawing);
+}
 
 QIcon helioFileIcon(const QString& suffix)
 {
     if (suffix.isEmpty())
         return {};
-    const Kind kind = kindOf(suffix.toLower());
-    QIcon icon;
-    for (const int size : {16, 32}) {
-        QPixmap pixmap(size, size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(QColor(kind.colour));
-        painter.drawRoundedRect(QRectF(size / 8.0, 0, size * 0.75, size), size / 8.0, size / 8.0);
-        QFont font = painter.font();
-        font.setBold(true);
-        font.setPixelSize(size * 5 / 8);
-        painter.setFont(font);
-        painter.setPen(Qt::white);
-        painter.drawText(pixmap.rect(), Qt::AlignCenter, QString(kind.letter));
-        painter.end();
-        icon.addPixmap(pixmap);
-    }
-    return icon;
+    const QIcon known = knownFileIcon(suffix);
+    return known.isNull() ? iconOf(QStringLiteral("other")) : known;
 }

@@ -8,6 +8,8 @@
 #include "nheliostat/framework/ShellCloudSvrProxy.h"
 #include "nheliostat/framework/ShellMainWindow.h"
 #include "nheliostat/framework/ShellPageMoves.h"
+#include "nheliostat/framework/ShellQuickAccess.h"
+#include "nheliostat/framework/ShellRecovery.h"
 
 #include <QCoreApplication>
 
@@ -30,12 +32,17 @@ ShellApplication::ShellApplication(const Setup& setup, QObject* parent)
     , m_skin(setup.dark)
     , m_cloudFilesMgr(*this)
     , m_pageMoves(std::make_unique<ShellPageMoves>([this] { return openMainWindow(); }))
+    , m_quickAccess(std::make_unique<ShellQuickAccess>(*this, setup.quickAccessFile, setup.documentsSite))
+    , m_recovery(std::make_unique<ShellRecovery>(setup.recoveryDir, [this] { return openMainWindow(); }))
     , m_discardTimer(this)
 {
     nheliostat::host::setApplication(this);
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
             &ShellApplication::announceQuit);
     setNewPageHandler({});
+    connect(m_cloudSvrProxy, &ShellCloudSvrProxy::commandReceived, m_quickAccess.get(),
+            &ShellQuickAccess::onCommand);
+    m_quickAccess->setDark(setup.dark);
     // Add-ons find the collector by this name.
     setProperty("CooperateInfoCollectCloudToLocal",
                 QVariant::fromValue<QObject*>(new CloudToLocalSteps(this)));
@@ -62,10 +69,14 @@ ShellMainWindow* ShellApplication::openMainWindow()
     m_windows.append(window);
     connect(&window->area(), &ShellCentralArea::pageAdded, this, &ShellApplication::pageAdded);
     connect(&window->area(), &ShellCentralArea::pageRemoved, this, &ShellApplication::pageRemoved);
+    connect(&window->area(), &ShellCentralArea::pageReleased, &m_heapTrim, &HeapTrim::soon);
     connect(&window->area(), &ShellCentralArea::currentPageChanged, this,
             &ShellApplication::currentPageChanged);
     m_pageMoves->watch(*window);
+    m_quickAccess->addTo(*window);
+    m_recovery->watch(*window);
     connect(window, &ShellMainWindow::newPageRequested, this, [this, window] { m_newPageHandler(*window); });
+    Q_EMIT windowOpened(window);
     return window;
 }
 
@@ -76,13 +87,16 @@ void ShellApplication::setNewPageHandler(NewPageHandler handler)
         m_newPageHandler = [this](ShellMainWindow& window) { openDocumentsPage(window, {}); };
 }
 
-NHelioAppPage* ShellApplication::openDocumentsPage(ShellMainWindow& window, const QString& text)
+NHelioAppPage* ShellApplication::openDocumentsPage(ShellMainWindow& window, const QString& text,
+                                                   const QVariantMap& properties)
 {
     m_collectInfo.markOpenStarted();
     NHelioAppPage* page = window.area().addPage(documentsPageType, {}, {});
     if (!page)
         return nullptr;
     const QPointer<NHelioAppPage> opened = page;
+    for (auto property = properties.begin(); property != properties.end(); ++property)
+        page->setProperty(property.key().toUtf8().constData(), property.value());
     page->notify(text);
     if (opened)
         window.area().setCurrentPage(opened);
@@ -113,6 +127,7 @@ const NHelioUserInfo& ShellApplication::user() const
 void ShellApplication::setDark(bool dark)
 {
     m_skin.setDark(dark);
+    m_quickAccess->setDark(dark);
     for (const QPointer<ShellMainWindow>& window : std::as_const(m_windows)) {
         if (window)
             window->setDark(dark);
@@ -152,8 +167,10 @@ void ShellApplication::signOut()
 
 void ShellApplication::announceQuit()
 {
-    if (!std::exchange(m_quitAnnounced, true))
-        Q_EMIT aboutToQuit();
+    if (std::exchange(m_quitAnnounced, true))
+        return;
+    m_recovery->end();
+    Q_EMIT aboutToQuit();
 }
 
 QVector<NHelioMainWindow*> ShellApplication::mainWindows() const

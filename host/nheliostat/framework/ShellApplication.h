@@ -3,6 +3,7 @@
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/documents/LocalDocumentPageItem.h"
+#include "nheliostat/framework/HeapTrim.h"
 #include "nheliostat/framework/PluginTranslators.h"
 #include "nheliostat/framework/ShellBrowserPageItem.h"
 #include "nheliostat/framework/ShellCloudFilesMgr.h"
@@ -22,6 +23,8 @@ class ShellAccount;
 class ShellCloudSvrProxy;
 class ShellMainWindow;
 class ShellPageMoves;
+class ShellQuickAccess;
+class ShellRecovery;
 
 /**
  * The shell: its windows, user and looks. There is one; NHelioApplication::instance() answers it while it
@@ -38,6 +41,9 @@ public:
         QString translationsDir;          //!< of "<name>_<locale>.qm" files; may be empty
         bool offersSystemPrograms = true; //!< whether files may be handed to programs of the system
         int discardCheckSeconds = 60;     //!< how often inactive pages may be released; 0 for never
+        QString recoveryDir;              //!< of WorkAreaStore; empty: nothing is kept for recovery
+        QString quickAccessFile;          //!< of QuickAccessList; empty: kept in memory
+        QString documentsSite;            //!< where links to documents begin; may be empty
         ShellCloudService cloudService;
     };
     /** What a window's "new page" does. */
@@ -50,9 +56,10 @@ public:
     ShellMainWindow* openMainWindow();
     /** Replaces what "new page" does: by default openDocumentsPage with an empty text. */
     void setNewPageHandler(NewPageHandler handler);
-    /** Opens a documents page (type 1) that is notified with the text, made current and loaded; null for
-     * none. */
-    NHelioAppPage* openDocumentsPage(ShellMainWindow& window, const QString& text);
+    /** Opens a documents page (type 1) that gets the properties, is notified with the text, made current and
+     * loaded; null for none. */
+    NHelioAppPage* openDocumentsPage(ShellMainWindow& window, const QString& text,
+                                     const QVariantMap& properties = {});
     /** Shows a URL in a plain browser page of the window that holds `origin`, else of the first window. */
     void openUrl(const QString& url, const QObject* origin);
 
@@ -62,6 +69,8 @@ public:
     ShellCollectInfoMgr& collectInfo() { return m_collectInfo; }
     ShellCloudSvrProxy& cloudService() { return *m_cloudSvrProxy; }
     ShellPageMoves& pageMoves() { return *m_pageMoves; }
+    ShellQuickAccess& quickAccess() { return *m_quickAccess; }
+    ShellRecovery& recovery() { return *m_recovery; }
     /** Releases the inactive pages of all windows that can be; also runs every discardCheckSeconds. */
     void releaseInactivePages();
     /** Lets a script object of a page reach the shell; script objects call it themselves. */
@@ -82,6 +91,8 @@ public:
     void uninstallPluginTranslation(const QString& module, const QStringList& names) override;
 
 Q_SIGNALS:
+    /** A new window, without pages and not yet shown. */
+    void windowOpened(ShellMainWindow* window);
     void pageAdded(NHelioAppPage* page);
     /** The page is out of its window; it may be in the middle of its destruction: only compare it. */
     void pageRemoved(NHelioAppPage* page);
@@ -105,8 +116,11 @@ private:
     mutable ShellCollectInfoMgr m_collectInfo;
     mutable ShellCloudFilesMgr m_cloudFilesMgr;
     std::unique_ptr<ShellPageMoves> m_pageMoves;
+    std::unique_ptr<ShellQuickAccess> m_quickAccess;
+    std::unique_ptr<ShellRecovery> m_recovery;
     NewPageHandler m_newPageHandler;
     QVector<QPointer<ShellMainWindow>> m_windows;
     QTimer m_discardTimer;
+    HeapTrim m_heapTrim;
     bool m_quitAnnounced = false;
 };

@@ -59,6 +59,15 @@ void ShellBrowserPage::notify(const QString& text)
         showUrl();
 }
 
+bool ShellBrowserPage::recoverFiles(const QList<NHelioWorkAreaRecoverItem>& items, int strategy,
+                                    NHelioSubPage* subPage)
+{
+    if (items.isEmpty())
+        return false;
+    notify(items.first().params.value(QStringLiteral("url")).toString());
+    return !m_url.isEmpty() && NHelioBrowserPageRoot::recoverFiles(items, strategy, subPage);
+}
+
 void ShellBrowserPage::load()
 {
     if (m_loaded)

@@ -22,6 +22,9 @@ public:
     /** The address to show; a text that is no web address changes nothing. A page that is loaded goes there.
      */
     void notify(const QString& text) override;
+    /** Takes the address of the first item. */
+    bool recoverFiles(const QList<NHelioWorkAreaRecoverItem>& items, int strategy,
+                      NHelioSubPage* subPage) override;
     void load() override;
 
     Q_INVOKABLE void refreshPage();

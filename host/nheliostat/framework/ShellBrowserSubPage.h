@@ -12,6 +12,11 @@ public:
 
     /** The browser, when it comes after the tab. */
     void setBrowser(NHelioBrowserWidgetBase* browser);
+    bool supportsStandaloneWindow() const override { return true; }
+    bool supportsWorkArea() const override { return true; }
+    /** False while the page shows no address. */
+    bool getWorkAreaRecoverItem(NHelioWorkAreaRecoverItem* item) override;
+    bool isDiscardable() const override { return !m_browser || m_browser->isDiscardable(); }
     NHelioTabDelegate* createTabDelegate(QObject* parent) override;
 
 private:

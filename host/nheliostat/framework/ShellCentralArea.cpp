@@ -4,6 +4,7 @@
 #include "nheliostat/NHelioSubPage.h"
 #include "nheliostat/framework/ShellBrowserPage.h"
 #include "nheliostat/framework/ShellEmptyState.h"
+#include "nheliostat/framework/ShellWorkAreaManager.h"
 #include "zeolite/NxLoggerLite.h"
 
 #include <QCoreApplication>
@@ -91,6 +92,30 @@ void ShellCentralArea::addPage(NHelioAppPage* page)
     takeIn(page);
 }
 
+NHelioAppPage* ShellCentralArea::addWaitingPage(const NHelioWorkAreaRecoverItem& item)
+{
+    const QPointer<NHelioAppPage> page = createPage(item.pageType, m_stack).release();
+    if (!page)
+        return nullptr;
+    page->setProperty(ShellWorkAreaManager::waitingItemProperty, QVariant::fromValue(item));
+    // Others look at these before the page itself takes its item.
+    if (!item.suffix.isEmpty())
+        page->setProperty("suffix", item.suffix);
+    const QString fileId = item.params.value(QStringLiteral("fileId")).toString();
+    if (!fileId.isEmpty())
+        page->setProperty("File_ID", fileId);
+    takeIn(page, false);
+    if (page && page->initialSubPage())
+        page->initialSubPage()->setWindowTitle(item.title);
+    return page;
+}
+
+void ShellCentralArea::showNotice(QWidget* notice)
+{
+    static_cast<QVBoxLayout*>(layout())->insertWidget(0, notice);
+    notice->show();
+}
+
 NHelioAppPage* ShellCentralArea::addBrowserPage(const QString& url)
 {
     const QPointer<NHelioAppPage> page = addPage(ShellBrowserPage::type, url, {});
@@ -99,20 +124,31 @@ NHelioAppPage* ShellCentralArea::addBrowserPage(const QString& url)
     return page;
 }
 
-void ShellCentralArea::takeIn(NHelioAppPage* page)
+void ShellCentralArea::takeIn(NHelioAppPage* page, bool mayBecomeCurrent)
 {
     const QPointer<NHelioAppPage> taken = page;
     m_stack->addWidget(page);
     if (!page->initialSubPage())
         page->setInitialSubPage(page->createSubPage(page->subPages()));
-    if (const NHelioSubPage* subPage = page->initialSubPage())
-        connect(subPage, &NHelioSubPage::activationRequested, this, [this, page] { setCurrentPage(page); });
+    watchSubPage(page);
     connect(page, &QObject::destroyed, this, &ShellCentralArea::onPageDestroyed);
     page->installEventFilter(this);
     m_pages.append(page);
     Q_EMIT pageAdded(page);
-    if (taken && !m_current)
+    if (taken && !m_current && mayBecomeCurrent)
         setCurrentPage(page);
+}
+
+void ShellCentralArea::watchSubPage(NHelioAppPage* page)
+{
+    const NHelioSubPage* subPage = page->initialSubPage();
+    if (!subPage)
+        return;
+    connect(subPage, &NHelioSubPage::activationRequested, this, [this, page] { setCurrentPage(page); });
+    connect(subPage, &NHelioSubPage::iconChanged, this, [this, page] {
+        if (page->isReleased())
+            Q_EMIT pageReleased(page);
+    });
 }
 
 void ShellCentralArea::stopWatching(NHelioAppPage* page)
@@ -180,8 +216,7 @@ void ShellCentralArea::setCurrentPage(NHelioAppPage* page)
             left->updateLastActiveTime();
         page->updateLastActiveTime();
     }
-    if (page->isReleased())
-        page->load();
+    loadIfNeeded(page);
     if (left == entered || !entered)
         return;
     Q_EMIT currentPageChanged(page);
@@ -192,10 +227,21 @@ void ShellCentralArea::setCurrentPage(NHelioAppPage* page)
         Q_EMIT subPage->subPageActived();
 }
 
+void ShellCentralArea::loadIfNeeded(NHelioAppPage* page)
+{
+    const bool isWaiting = page->property(ShellWorkAreaManager::waitingItemProperty).isValid();
+    if (!isWaiting && !page->isReleased())
+        return;
+    page->setProperty(ShellWorkAreaManager::waitingItemProperty, QVariant());
+    page->load();
+}
+
 void ShellCentralArea::movePage(int from, int to)
 {
-    if (from >= 0 && from < m_pages.size() && to >= 0 && to < m_pages.size())
-        m_pages.move(from, to);
+    if (from < 0 || from >= m_pages.size() || to < 0 || to >= m_pages.size())
+        return;
+    m_pages.move(from, to);
+    Q_EMIT pageMoved(from, to);
 }
 
 void ShellCentralArea::stepCurrentPage(int step)

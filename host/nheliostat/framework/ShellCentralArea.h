@@ -26,6 +26,13 @@ public:
 
     NHelioAppPage* addPage(int type, const QString& text, const QVariantMap& params) override;
     void addPage(NHelioAppPage* page) override;
+    /**
+     * A page for a recover item, which is not loaded until it is made current for the first time, here or in
+     * another window. Not made current by this. Null when no page can be created.
+     */
+    NHelioAppPage* addWaitingPage(const NHelioWorkAreaRecoverItem& item);
+    /** Shows a widget above the pages, until it is deleted. Takes it in as a child. */
+    void showNotice(QWidget* notice);
     NHelioAppPage* addBrowserPage(const QString& url) override;
     void removePage(NHelioAppPage* page) override;
     /** Does nothing for a page of another window. */
@@ -55,17 +62,23 @@ Q_SIGNALS:
     void pageAdded(NHelioAppPage* page);
     /** The page is out; it may be in the middle of its destruction: only compare it. */
     void pageRemoved(NHelioAppPage* page);
+    /** A page was released, by whomever. */
+    void pageReleased(NHelioAppPage* page);
+    /** The order of the pages changed. */
+    void pageMoved(int from, int to);
     /** Null when no page is left. */
     void currentPageChanged(NHelioAppPage* page);
     void newPageRequested();
 
 private:
     QVector<NHelioAppPage*> pagesCurrentLast() const;
-    void takeIn(NHelioAppPage* page);
+    void takeIn(NHelioAppPage* page, bool mayBecomeCurrent = true);
+    void loadIfNeeded(NHelioAppPage* page);
     void stopWatching(NHelioAppPage* page);
     /** Takes the page off the list and makes a neighbour current; does not touch the page itself. */
     void forget(NHelioAppPage* page);
     void onPageDestroyed(QObject* page);
+    void watchSubPage(NHelioAppPage* page);
     bool askToClose(QObject* page, QEvent* closeEvent);
 
     QStackedWidget* m_stack;

@@ -32,6 +32,7 @@ void deliverIpcResult(const SlotReply& reply, const QString& what, bool success,
 ShellCloudSvrProxy::ShellCloudSvrProxy(NHelioUserInfo user, const ShellCloudService& service, QObject* parent)
     : NHelioCloudSvrProxy(parent)
     , m_user(std::move(user))
+    , m_dialogObject(newRequestId())
     , m_apiUrl(service.apiUrl)
     , m_resolve(service.resolve)
     , m_client(service.client)
@@ -122,6 +123,15 @@ QString ShellCloudSvrProxy::invokeCloudFunction(const QString& function, QGeneri
         QMetaObject::invokeMethod(this, answer, Qt::QueuedConnection);
     }
     return reply.requestId();
+}
+
+void ShellCloudSvrProxy::sendDialogCommand(const QString& command, const QString& dialogObject,
+                                           NHelioSubPage* subPage)
+{
+    if (dialogObject == m_dialogObject)
+        Q_EMIT commandReceived(command, subPage);
+    else
+        NxLoggerLite::writeWarning(logTag, QStringLiteral("a command for nobody: %1").arg(command.left(500)));
 }
 
 QString ShellCloudSvrProxy::call(QLatin1String function, const Values& arguments, QObject* receiver,

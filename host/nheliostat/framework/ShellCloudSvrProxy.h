@@ -69,6 +69,10 @@ public:
     /** Forgets those that are finished, failed or stopped. */
     void clearFinishedTransfers(vlt::cloudsvr::TransferDirection direction);
 
+    QString tavaDlgObjIdentifier() const override { return m_dialogObject; }
+    void sendDialogCommand(const QString& command, const QString& dialogObject,
+                           NHelioSubPage* subPage) override;
+
     void showFileUploadProgress(QWidget* parent) override;
     void showFileDownloadProgress(QWidget* parent) override;
     void showLoginPrompt(QWidget* parent, const QString& reason, const QString& source) override;
@@ -90,6 +94,8 @@ Q_SIGNALS:
     void serviceEvent(const QString& name, const QMap<QString, QString>& values);
     /** Transfers began, moved on or ended; about four times a second at most. */
     void transfersChanged();
+    /** A command that was sent to the dialogs of the service. */
+    void commandReceived(const QString& command, NHelioSubPage* subPage);
 
 private:
     using Reply = vlt::cloudsvr::CloudServiceClient::Reply;
@@ -109,6 +115,7 @@ private:
     void resumeTransfers();
 
     NHelioUserInfo m_user;
+    const QString m_dialogObject;
     const QString m_apiUrl;
     const QMap<QString, QString> m_resolve;
     ICloudWindows* m_windows = nullptr;

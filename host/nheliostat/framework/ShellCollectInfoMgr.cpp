@@ -1,5 +1,6 @@
 #include "nheliostat/framework/ShellCollectInfoMgr.h"
 
+#include "nheliostat/NHelioSubPage.h"
 #include "zeolite/NCoreApplication.h"
 #include "zeolite/NDcInfoC.h"
 
@@ -43,6 +44,19 @@ void ShellCollectInfoMgr::reportDownloadProhibited()
     NCoreApplication* services = NCoreApplication::instance();
     if (NDcInfoC* collection = services ? services->getDcInfo() : nullptr)
         collection->postGeneralEvent(QStringLiteral("download_prohibited_open"), NDcFields(), 0, 0, 1, false);
+}
+
+void ShellCollectInfoMgr::reportTabMenuClick(const QString& item, NHelioSubPage* subPage)
+{
+    NCoreApplication* services = NCoreApplication::instance();
+    NDcInfoC* collection = services ? services->getDcInfo() : nullptr;
+    if (!collection)
+        return;
+    const NDcFields fields{
+        {QStringLiteral("item"), item},
+        {QStringLiteral("pagetype"), QString::number(subPage ? subPage->pageType() : -1)},
+    };
+    collection->postGeneralEvent(QStringLiteral("tab_menu_click"), fields, 0, 0, 1, false);
 }
 
 void ShellCollectInfoMgr::sendCloudFileOpen(const QString& userId, const QString& source,

@@ -20,6 +20,8 @@ public:
     /** 0 when no open was asked for within the last minute. */
     qint64 openStartTime() const override;
     void reportDownloadProhibited() override;
+    /** The event "tab_menu_click" with the item and the type of the page. */
+    void reportTabMenuClick(const QString& item, NHelioSubPage* subPage) override;
     void sendCloudFileOpen(const QString& userId, const QString& source, const QString& action,
                            int virtualType) override;
 

@@ -30,6 +30,7 @@ public:
     ShellCentralArea& area() const { return *m_area; }
     ShellTabBar& tabs() const { return *m_tabBar; }
     ShellHeaderBar& header() const { return *m_headerBar; }
+    ShellWorkAreaManager& workArea() const { return m_workArea; }
     void setDark(bool dark);
 
 Q_SIGNALS:

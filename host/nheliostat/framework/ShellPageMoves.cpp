@@ -44,10 +44,8 @@ void ShellPageMoves::watch(ShellMainWindow& window)
 
 void ShellPageMoves::addActions(ShellMainWindow* window, NHelioAppPage* page, QMenu* menu)
 {
-    const NHelioSubPage* subPage = page ? page->initialSubPage() : nullptr;
-    if (!subPage || !subPage->supportsStandaloneWindow())
+    if (!page)
         return;
-    menu->addSeparator();
     if (homeOf(page)) {
         QAction* back = menu->addAction(tr("Move back to its window"));
         back->setObjectName(QStringLiteral("reAttachTab"));

@@ -2,6 +2,8 @@
 
 #include "nheliostat/framework/ShellCentralArea.h"
 
+#include <QMessageBox>
+
 ShellTab::ShellTab(NHelioAppPage* page, ShellCentralArea& area, QObject* parent)
     : NHelioTab(parent)
     , m_key(page)
@@ -37,6 +39,39 @@ bool ShellTab::isClosable() const
 bool ShellTab::tryClose()
 {
     return m_page && isClosable() && m_page->close();
+}
+
+void ShellTab::restart()
+{
+    if (!m_page)
+        return;
+    if (m_subPage && !m_subPage->isDiscardable())
+        askToRestart();
+    else
+        restartNow();
+}
+
+void ShellTab::askToRestart()
+{
+    auto* question = new QMessageBox(QMessageBox::Question, tr("Restart page"),
+                                     tr("What the page is doing ends. Restart it?"),
+                                     QMessageBox::Yes | QMessageBox::No, m_page->window());
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    connect(question, &QMessageBox::finished, this, [this](int answer) {
+        if (answer == QMessageBox::Yes && m_page)
+            restartNow();
+    });
+    question->open();
+}
+
+void ShellTab::restartNow()
+{
+    const QPointer<NHelioAppPage> page = m_page;
+    page->releasePage();
+    if (page && page->isReleased())
+        page->load();
+    else if (page && page->metaObject()->indexOfMethod("refreshPage()") >= 0)
+        QMetaObject::invokeMethod(page, "refreshPage");
 }
 
 void ShellTab::setAllowReAttachSubwindow(bool allow)

@@ -30,6 +30,11 @@ public:
     bool isClosable() const;
 
     bool tryClose() override;
+    /**
+     * Ends what the page shows and shows it anew. Asks first, without waiting, when something would be lost.
+     * A page that cannot be released loads its document again.
+     */
+    void restart();
     void setAllowReAttachSubwindow(bool allow) override;
     /**
      * Brings the page to the front as a tab of `window`, a main window, or with null of the window that this
@@ -42,6 +47,9 @@ Q_SIGNALS:
     void changed();
 
 private:
+    void askToRestart();
+    void restartNow();
+
     const NHelioAppPage* m_key;
     QPointer<NHelioAppPage> m_page;
     QPointer<ShellCentralArea> m_area;

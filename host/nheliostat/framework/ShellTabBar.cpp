@@ -3,9 +3,9 @@
 #include "nheliostat/framework/ShellCentralArea.h"
 #include "nheliostat/framework/ShellLook.h"
 #include "nheliostat/framework/ShellTab.h"
+#include "nheliostat/framework/ShellTabMenu.h"
 
 #include <QHBoxLayout>
-#include <QMenu>
 #include <QMouseEvent>
 #include <QSignalBlocker>
 #include <QTabBar>
@@ -195,22 +195,32 @@ QMenu* ShellTabBar::popUpMenu(const QPoint& position)
     ShellTab* tab = m_tabs.value(m_strip->tabAt(position), nullptr);
     if (!tab)
         return nullptr;
-    auto* menu = new QMenu(this);
-    menu->setObjectName(QStringLiteral("tabMenu"));
+    ShellTabMenu* menu = makeMenuOf(*tab);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (NHelioSubPage* subPage = tab->subPage())
-        subPage->doAttachContextMenuActions(menu);
-    Q_EMIT menuRequested(tab->page(), menu);
-    menu->addSeparator();
-    QAction* close = menu->addAction(tr("Close"));
-    close->setObjectName(QStringLiteral("closeTab"));
-    close->setEnabled(tab->isClosable());
-    connect(close, &QAction::triggered, tab, &ShellTab::tryClose);
-    QAction* closeOthers = menu->addAction(tr("Close others"));
-    closeOthers->setObjectName(QStringLiteral("closeOtherTabs"));
-    closeOthers->setEnabled(m_tabs.size() > 1);
-    connect(closeOthers, &QAction::triggered, tab, [this, tab] { closeOtherTabs(tab); });
     menu->popup(m_strip->mapToGlobal(position));
+    return menu;
+}
+
+QMenu* ShellTabBar::makeMenu(NHelioSubPage* subPage)
+{
+    const auto found = std::find_if(m_tabs.begin(), m_tabs.end(),
+                                    [subPage](const ShellTab* tab) { return tab->subPage() == subPage; });
+    return subPage && found != m_tabs.end() ? makeMenuOf(**found) : nullptr;
+}
+
+ShellTabMenu* ShellTabBar::makeMenuOf(ShellTab& tab)
+{
+    auto* menu = new ShellTabMenu(tab, m_tabs.size() > 1, this);
+    const QPointer<ShellTab> shown = &tab;
+    connect(menu, &ShellTabMenu::windowActionsAsked, this,
+            [this, shown, menu] { Q_EMIT menuRequested(shown->page(), menu); });
+    connect(menu, &ShellTabMenu::closeOthersChosen, this, [this, shown] {
+        if (shown)
+            closeOtherTabs(shown);
+    });
+    if (NHelioSubPage* subPage = tab.subPage())
+        subPage->doAttachContextMenuActions(menu);
+    menu->complete();
     return menu;
 }
 

@@ -8,6 +8,7 @@ class QTabBar;
 class QToolButton;
 class ShellCentralArea;
 class ShellTab;
+class ShellTabMenu;
 
 /** The tabs of a central area's pages, in the order of the pages, and a button for a new page. */
 class ShellTabBar final : public NHelioTabBar
@@ -33,12 +34,14 @@ public:
     /** The menu of a tab, shown at `position` of the tab strip; null when there is no tab. Deleted when it
      * closes. */
     QMenu* popUpMenu(const QPoint& position);
+    /** The same menu, not shown; the caller deletes it. Null when the sub page has no tab in sight. */
+    QMenu* makeMenu(NHelioSubPage* subPage);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
     void newPageRequested();
-    /** The menu of the page's tab is about to be shown and may be added to. */
+    /** The menu of the page's tab wants the actions that move the page between windows. */
     void menuRequested(NHelioAppPage* page, QMenu* menu);
 
 private:
@@ -57,6 +60,7 @@ private:
     void onCloseRequested(int index);
     int indexOf(const NHelioAppPage* page) const;
     void draw(const ShellTab* tab);
+    ShellTabMenu* makeMenuOf(ShellTab& tab);
 
     ShellCentralArea& m_area;
     QTabBar* m_strip;

@@ -31,9 +31,27 @@ void ShellWorkAreaManager::updateItem(const QString& id)
     const auto entry = m_entries.find(id);
     if (entry == m_entries.end() || !entry->subPage)
         return;
+    ask(*entry);
+    if (m_changed)
+        m_changed();
+}
+
+void ShellWorkAreaManager::ask(Entry& entry) const
+{
+    const NHelioPage* page = entry.subPage->page();
+    const QVariant waiting = page ? page->property(waitingItemProperty) : QVariant();
     NHelioWorkAreaRecoverItem item;
-    entry->recoverable = entry->subPage->getWorkAreaRecoverItem(&item);
-    entry->item = item;
+    if (waiting.isValid()) {
+        item = waiting.value<NHelioWorkAreaRecoverItem>();
+        item.id = entry.subPage->workAreaItemId();
+        entry.recoverable = true;
+    } else {
+        const auto* appPage = qobject_cast<const NHelioAppPage*>(page);
+        if (entry.recoverable && appPage && appPage->isReleased())
+            return;
+        entry.recoverable = entry.subPage->getWorkAreaRecoverItem(&item);
+    }
+    entry.item = item;
 }
 
 QList<NHelioWorkAreaRecoverItem> ShellWorkAreaManager::items() const
@@ -44,4 +62,13 @@ QList<NHelioWorkAreaRecoverItem> ShellWorkAreaManager::items() const
             shown.append(entry.item);
     }
     return shown;
+}
+
+std::optional<NHelioWorkAreaRecoverItem> ShellWorkAreaManager::itemOf(const NHelioPage* page) const
+{
+    const NHelioSubPage* subPage = page->initialSubPage();
+    const auto entry = subPage ? m_entries.find(subPage->workAreaItemId()) : m_entries.end();
+    if (entry == m_entries.end() || !entry->recoverable)
+        return std::nullopt;
+    return entry->item;
 }

@@ -172,6 +172,15 @@ QMap<QString, QString> HostFile::defaultResolve()
             {QStringLiteral("drive.skyleaf.test:80"), plain}};
 }
 
+HostUser HostFile::defaultUser()
+{
+    HostUser user;
+    user.userId = QStringLiteral("demo");
+    user.loggedIn = true;
+    user.sessionKey = QStringLiteral("demo-session");
+    return user;
+}
+
 QStringList HostFile::scriptOrigins() const
 {
     QStringList origins;
@@ -218,7 +227,12 @@ Result<HostFile> parseHostFile(const QByteArray& text, const QString& baseDir)
     file.read(QStringLiteral("mainDomain"), host.mainDomain);
     file.read(QStringLiteral("documentsServiceHost"), host.documentsServiceHost);
     file.read(QStringLiteral("intranet"), host.intranet);
+    file.read(QStringLiteral("telemetry"), host.telemetry);
     readConfigCentre(file, host);
+    file.readObject(QStringLiteral("debugInfo"), [&](ObjectReader& reader) {
+        reader.forEach(
+            [&](const QString& name, const QJsonValue& value) { host.debugInfo.insert(name, value); });
+    });
     readBoolMap(file, QStringLiteral("productSwitches"), host.productSwitches);
     readBoolMap(file, QStringLiteral("features"), host.features);
     readSettings(file, host);

@@ -16,7 +16,7 @@ struct HostUser
     QString userId;
     bool loggedIn = false;
     QString sessionKey;
-    QString cookies; //!< "name=value; …"
+    QString cookies; //!< "name=value; …"; what is sent has the session's cookie besides
     QString localDataDir;
     QString cacheRoot;
 };
@@ -41,15 +41,18 @@ struct HostFile
     QString mainDomain = QStringLiteral("skyleaf.test");
     QString documentsServiceHost = QStringLiteral("docs.skyleaf.test");
     bool intranet = false;
+    bool telemetry = true; //!< whether events are collected
 
     QMap<QString, QMap<QString, QJsonObject>> configCentre; //!< group, then item number
+
+    QJsonObject debugInfo; //!< of the installation: what the people who build the front end set
 
     QMap<QString, bool> productSwitches;
     QMap<QString, bool> features;
     QMap<QString, QVariant> settings; //!< by "group/key"
     quint32 capabilities = 0;
 
-    HostUser user;
+    HostUser user = defaultUser();
     QMap<QString, HostPlugin> plugins;
 
     QString applicationName = QStringLiteral("skyleaf-shell");
@@ -58,6 +61,8 @@ struct HostFile
 
     static QMap<QString, QString> defaultDomains();
     static QMap<QString, QString> defaultResolve();
+    /** Signed in, since documents are only shown to users. */
+    static HostUser defaultUser();
 
     /** The origins ("https://docs.example.test") of the documents and drive sites; their documents get the
      * script object. */

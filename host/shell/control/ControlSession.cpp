@@ -31,6 +31,11 @@ void ControlSession::serve(ShellApplication& application, UserSession& user, Dia
     connect(&*m_reader, &LineReader::ended, this, &ControlSession::ended);
 }
 
+void ControlSession::add(const QVector<rpc::Method>& methods)
+{
+    m_dispatcher.add(methods);
+}
+
 void ControlSession::onLine(const QByteArray& line)
 {
     m_dispatcher.handleLine(line);

@@ -29,6 +29,8 @@ public:
 
     /** Starts to obey; to be called once. The arguments live until the last event was handled. */
     void serve(ShellApplication& application, UserSession& user, DialogAnswers& answers);
+    /** Adds methods before `serve`. */
+    void add(const QVector<rpc::Method>& methods);
     HostNotifications& notifications() { return m_notifications; }
 
 Q_SIGNALS:

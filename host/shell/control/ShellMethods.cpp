@@ -4,6 +4,7 @@
 #include "shell/control/StateReport.h"
 
 #include "nheliostat/framework/ShellApplication.h"
+#include "nheliostat/framework/ShellRecovery.h"
 #include "nrt/NrtHost.h"
 #include "zeolite/ZeoliteHost.h"
 
@@ -60,9 +61,8 @@ ShellMethods::ShellMethods(ShellApplication& application, PageDirectory& pages, 
 
 QVector<rpc::Method> ShellMethods::methods()
 {
-    return {rpc::immediateMethod(
-                QStringLiteral("shell.state"), {},
-                [this](const QJsonObject&) { return QJsonValue(shellState(m_application, m_pages)); }),
+    return {rpc::immediateMethod(QStringLiteral("shell.state"), {},
+                                 [this](const QJsonObject&) { return state(); }),
             rpc::immediateMethod(QStringLiteral("shell.quit"), {}, &quit),
             rpc::immediateMethod(QStringLiteral("config.set"),
                                  {{QStringLiteral("group"), Type::Integer},
@@ -73,6 +73,13 @@ QVector<rpc::Method> ShellMethods::methods()
             flagMethod(QStringLiteral("feature.set"), &nrt::host::setFeature),
             rpc::immediateMethod(QStringLiteral("user.set"), userParameters(),
                                  [this](const QJsonObject& params) { return setUser(params); })};
+}
+
+Outcome ShellMethods::state() const
+{
+    QJsonObject state = shellState(m_application, m_pages);
+    state.insert(QStringLiteral("recoverable"), m_application.recovery().offered());
+    return QJsonValue(state);
 }
 
 Outcome ShellMethods::setConfig(const QJsonObject& params)

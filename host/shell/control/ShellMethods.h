@@ -20,6 +20,7 @@ public:
     QVector<rpc::Method> methods();
 
 private:
+    rpc::Outcome state() const;
     rpc::Outcome setConfig(const QJsonObject& params);
     rpc::Outcome setUser(const QJsonObject& params);
 

@@ -4,6 +4,7 @@
 #include <QJsonObject>
 
 #include <algorithm>
+#include <utility>
 
 namespace shell {
 
@@ -30,6 +31,8 @@ QString wanted(const QString& kind, const QJsonValue& value)
         return isTextList(value) ? QString() : QStringLiteral("a list of paths");
     if (kind == QLatin1String("login"))
         return isSignIn(value) ? QString() : QStringLiteral("an object with \"userId\"");
+    if (kind == QLatin1String("recover"))
+        return value.isBool() ? QString() : QStringLiteral("true or false");
     return value.isString() ? QString() : QStringLiteral("a text");
 }
 
@@ -37,9 +40,10 @@ QString wanted(const QString& kind, const QJsonValue& value)
 
 QString DialogAnswers::add(const QString& kind, const QJsonValue& value, int times)
 {
-    static const QStringList kinds{QStringLiteral("file"),  QStringLiteral("saveFile"),
-                                   QStringLiteral("input"), QStringLiteral("messageBox"),
-                                   QStringLiteral("login"), QStringLiteral("print")};
+    static const QStringList kinds{QStringLiteral("file"),   QStringLiteral("saveFile"),
+                                   QStringLiteral("input"),  QStringLiteral("messageBox"),
+                                   QStringLiteral("login"),  QStringLiteral("print"),
+                                   QStringLiteral("recover")};
     if (!kinds.contains(kind))
         return QStringLiteral("no dialog \"%1\"; there are %2").arg(kind, kinds.join(QStringLiteral(", ")));
     if (times < 1 || times > mostTimes)
@@ -50,7 +54,14 @@ QString DialogAnswers::add(const QString& kind, const QJsonValue& value, int tim
             return QStringLiteral("the value for \"%1\" must be %2 or null").arg(kind, form);
     }
     m_waiting[kind].append({value, times});
+    if (const auto added = m_listeners.value(kind))
+        added();
     return {};
+}
+
+void DialogAnswers::setListener(const QString& kind, std::function<void()> added)
+{
+    m_listeners.insert(kind, std::move(added));
 }
 
 std::optional<QJsonValue> DialogAnswers::take(const QString& kind)

@@ -6,6 +6,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <optional>
 
 namespace shell {
@@ -21,6 +22,7 @@ namespace shell {
  * | "input"      | the text that is typed                                        | yes             |
  * | "login"      | {"userId", "password"}                                        | yes             |
  * | "print"      | the path of the PDF file that is written                      | yes             |
+ * | "recover"    | whether documents of a killed shell are opened again          | left for later  |
  */
 class DialogAnswers
 {
@@ -29,6 +31,8 @@ public:
     QString add(const QString& kind, const QJsonValue& value, int times = 1);
     /** The answer of the next dialog of the kind, taken off; nothing when none was set. */
     std::optional<QJsonValue> take(const QString& kind);
+    /** `added` is called when an answer of the kind was set, for what stands open until then. */
+    void setListener(const QString& kind, std::function<void()> added);
 
 private:
     struct Answer
@@ -37,6 +41,7 @@ private:
         int times;
     };
     QMap<QString, QVector<Answer>> m_waiting;
+    QMap<QString, std::function<void()>> m_listeners;
 };
 
 } // namespace shell

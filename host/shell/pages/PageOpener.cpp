@@ -2,6 +2,7 @@
 
 #include "shell/pages/PageDirectory.h"
 
+#include "nheliostat/NHelioBrowserPageRoot.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "nheliostat/NHelioMainWindow.h"
 #include "nheliostat/framework/ShellApplication.h"
@@ -11,6 +12,21 @@
 #include <QUrl>
 
 namespace shell {
+
+namespace {
+
+constexpr int chromiumBrowserType = 2;
+
+/** Pages of a factory have no browser of their own; it arrives at a later turn of the event loop. */
+void giveBrowser(NHelioAppPage* page)
+{
+    auto* const root = qobject_cast<NHelioBrowserPageRoot*>(page);
+    if (root && !root->browserCreator()->isCreateSucceeded())
+        CreateHelioBrowserWidget(root, root->browserCreator(), chromiumBrowserType, QString(),
+                                 QStringLiteral("hyperlink"), 0);
+}
+
+} // namespace
 
 PageOpener::PageOpener(ShellApplication& application, PageDirectory& pages, QObject* parent)
     : QObject(parent)
@@ -45,6 +61,7 @@ void PageOpener::openForBrowser(NHelioBrowserWidgetBase* opener, IHelioBrowserPa
         return;
     m_pages.markLoadAsked(page);
     page->load();
+    giveBrowser(page);
 }
 
 } // namespace shell

@@ -24,4 +24,11 @@ QString host(const QString& key)
     return QUrl(url(key)).host();
 }
 
+QString mainDomain()
+{
+    NCoreApplication* core = NCoreApplication::instance();
+    const NDomainMgr* domains = core ? core->getDomainMgr() : nullptr;
+    return domains ? domains->mainDomain() : QString();
+}
+
 } // namespace ndomains

@@ -12,5 +12,7 @@ QString url(const QString& key);
 QString origin(const QString& key);
 /** The host of that URL. */
 QString host(const QString& key);
+/** The main domain whose requests get the session's cookies; empty without shared services. */
+QString mainDomain();
 
 } // namespace ndomains

@@ -11,6 +11,7 @@ class NHelioCloudFilesMgr;
 class NHelioCloudSvrProxy;
 class NHelioMainWindow;
 class NHelioSkin;
+class NHelioSubPage;
 class QWidget;
 
 /** The running shell. Every accessor may answer null: callers go on without. User-interface thread. */
@@ -85,6 +86,8 @@ public:
      */
     virtual qint64 openStartTime() const = 0;
     virtual void reportDownloadProhibited() = 0;
+    /** The user chose `item` in the menu of the sub page's tab. */
+    virtual void reportTabMenuClick(const QString& item, NHelioSubPage* subPage) = 0;
     virtual void sendCloudFileOpen(const QString& userId, const QString& source, const QString& action,
                                    int virtualType) = 0;
 };

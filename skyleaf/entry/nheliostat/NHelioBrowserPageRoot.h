@@ -30,7 +30,8 @@ class IHelioBrowserPageFactory
 {
 public:
     virtual ~IHelioBrowserPageFactory() = default;
-    /** A new page without parent, owned by the caller; never notified. */
+    /** A new page without parent, owned by the caller; never notified. The caller has a browser delivered to
+     * its browser creator. */
     virtual NHelioAppPage* createPage() = 0;
 };
 

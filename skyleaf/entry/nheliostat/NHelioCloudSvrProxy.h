@@ -14,6 +14,7 @@
 #include <functional>
 
 class NHelioMainWindow;
+class NHelioSubPage;
 class QWidget;
 
 using stringMap = QMap<QString, QString>;
@@ -108,6 +109,13 @@ public:
     /** Calls a method of the cloud. The slot takes (bool, QString, NRpcResponse). */
     virtual QString callCloudMethod(const QString& method, const QStringList& arguments, QObject* receiver,
                                     const char* slot) = 0;
+
+    // Commands: texts of the form "name&argument&argument…" for the service's own dialogs and lists.
+    /** What commands are addressed to. */
+    virtual QString tavaDlgObjIdentifier() const = 0;
+    /** Sends a command on behalf of a sub page; one that nobody knows, or with another address, is logged. */
+    virtual void sendDialogCommand(const QString& command, const QString& dialogObject,
+                                   NHelioSubPage* subPage) = 0;
 
     // Windows of the cloud. A null parent stands for the window in front. None of them blocks.
     virtual void showFileUploadProgress(QWidget* parent) = 0;

@@ -2,6 +2,7 @@
 
 #include <QIcon>
 #include <QList>
+#include <QMetaType>
 #include <QPointer>
 #include <QStringList>
 #include <QVariantMap>
@@ -111,6 +112,8 @@ struct NHelioWorkAreaRecoverItem
     /** "url", "toolBarVisible", "fileId", "fileName", "from". */
     QVariantMap params;
 };
+
+Q_DECLARE_METATYPE(NHelioWorkAreaRecoverItem)
 
 /** What a page was given to recover. */
 struct HelioBrowserPageRecoverContext

@@ -73,7 +73,10 @@ public:
     virtual bool getWorkAreaRecoverItem(NHelioWorkAreaRecoverItem* item);
     /** The delegate that draws the tab; owned by `parent`. */
     virtual NHelioTabDelegate* createTabDelegate(QObject* parent);
+    /** Adds what the sub page offers to a menu; that of its tab is an NHelioTabMenu. */
     virtual void doAttachContextMenuActions(QMenu* menu);
+    /** False when what is shown would be lost, were the page restarted now. */
+    virtual bool isDiscardable() const { return true; }
 
 Q_SIGNALS:
     void subPageActived();
@@ -103,7 +106,8 @@ Q_SIGNALS:
     void iconChanged();
 };
 
-/** The tab of a browser: shows the icon of the document's site. */
+/** The tab of a browser: shows the icon of the document's site, else that of the file that its title names.
+ */
 class NHelioBrowserTabDelegate : public NHelioTabDelegate
 {
     Q_OBJECT
@@ -115,9 +119,11 @@ public:
 
 private:
     void onFaviconChange(const QList<QIcon>& icons);
+    void onTitleChanged(const QString& title);
 
     QPointer<NHelioBrowserWidgetBase> m_browser;
     QIcon m_favicon;
+    QIcon m_titleIcon;
 };
 
 /** The shell's icon for files of a suffix (without the dot; letter case does not matter); null for an empty

@@ -69,8 +69,10 @@ Response HttpClient::receive(bool toHead)
 Response HttpClient::ask(const std::string& method, const std::string& target, const std::string& body,
                          const std::string& extraFields)
 {
-    send(method + " " + target + " HTTP/1.1\r\nHost: docs.skyleaf.test\r\nContent-Length: " +
-         std::to_string(body.size()) + "\r\n" + extraFields + "\r\n" + body);
+    const bool bringsCookies = extraFields.find("Cookie:") != std::string::npos;
+    send(method + " " + target +
+         " HTTP/1.1\r\nHost: docs.skyleaf.test\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" +
+         (bringsCookies ? "" : "Cookie: vlt_sid=anna\r\n") + extraFields + "\r\n" + body);
     return receive(method == "HEAD");
 }
 

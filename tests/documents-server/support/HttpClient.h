@@ -22,6 +22,7 @@ public:
     void send(const std::string& text);
     /** One reply; `toHead` when it answers a HEAD request and so has no body whatever its length says. */
     Response receive(bool toHead = false);
+    /** With the session of a user, unless the fields bring cookies. */
     Response ask(const std::string& method, const std::string& target, const std::string& body = {},
                  const std::string& extraFields = {});
     /** The next bytes, whatever they are; throws at the end of the stream. */

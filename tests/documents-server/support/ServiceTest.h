@@ -51,7 +51,7 @@ protected:
     LinkShaper shaper;
     RequestLog log;
     DocumentsService service{store, drive, place.site(), place.packages(), clock, shaper, log};
-    QByteArray cookie;
+    QByteArray cookie = "vlt_sid=anna";
 };
 
 } // namespace documents

@@ -17,9 +17,15 @@ class AccountCorner {
     this.#notify = notify;
     this.#onChange = onChange;
     this.dom = crelt('div', { class: 'corner' }, this.#menu.dom);
-    const changed = native.callback((report) => this.#show(accountState(report)));
+    const changed = native.callback((report) => this.#take(accountState(report)));
     this.#tell('registerCookieUpdateHandler', { callback: changed.name });
     this.#check();
+  }
+
+  /** The page goes on with what it kept while nobody was signed in, even for the same user. */
+  #take(state) {
+    this.#show(state);
+    if (state !== null) window.dispatchEvent(new CustomEvent('skyleaf-account', { detail: state }));
   }
 
   async #check() {

@@ -16,6 +16,7 @@ import { openedFrom, sourceOf } from './openedReply.js';
 import { OpenProblem } from './OpenProblem.js';
 import { OpenProgress } from './OpenProgress.js';
 import { reconciliation } from './reconciliation.js';
+import { isSignedOut } from './requestJson.js';
 
 /**
  * The page of one document type. It opens what the page's URL names: shows at once what the desktop side left in the
@@ -91,7 +92,7 @@ export class DocumentScreen {
     return this.#session ? this.#session.save() : Promise.resolve();
   }
 
-  /** The server may be there again: what waits for it goes on at once. */
+  /** The server may be there again, or take the user again: what waits for it goes on at once. */
   reconnect() {
     if (this.#askAgain) this.#askAgain();
     if (!this.#session || !this.#session.hasUnsavedChanges) return;
@@ -113,7 +114,7 @@ export class DocumentScreen {
     } catch (error) {
       if (opening.signal.aborted) return;
       const retry = () => (error.reloads ? this.#window.location.reload() : this.open());
-      this.#showProblem(error.title || 'This document could not be shown', error.message, retry);
+      this.#showProblem(error.title || 'This document could not be shown', error.message, retry, error.isSignedOut);
     }
   }
 
@@ -123,10 +124,25 @@ export class DocumentScreen {
     else this.#showProblem('Something in this page failed', text, () => this.#window.location.reload());
   }
 
-  #showProblem(title, detail, retry) {
+  #showProblem(title, detail, retry, isSignedOut = false) {
     if (this.#progress.state) this.#progress.set({ error: detail });
     this.#frame.setSaveState('');
-    this.#frame.showProblem({ title, detail, retry });
+    this.#frame.showProblem({ title, detail, retry, actions: isSignedOut ? this.#signInActions() : [] });
+  }
+
+  /** Without the desktop side there is nobody to sign in at. */
+  #signInActions() {
+    return this.#native.present ? [{ label: 'Sign in', run: () => this.#native.tell('tavaLogin') }] : [];
+  }
+
+  /** The session ended while the document was open; the desktop side reloads the page once somebody signed in. */
+  #showSignedOut(session) {
+    this.#frame.showNotice({
+      id: 'session',
+      text: 'You are not signed in any more, so changes cannot be saved. They are kept in this page.',
+      actions: [...this.#signInActions(), { label: 'Try again', run: () => this.#session === session && session.save() }],
+      closable: false,
+    });
   }
 
   /** Saves and takes down the open document. @returns {Promise<boolean>} whether the place is free */
@@ -285,12 +301,14 @@ export class DocumentScreen {
       this.#showSaveState(session.state, session);
       const kept = offlineEditing ? 'You can go on; changes are sent when the server answers.' : 'Changes are kept in this page only.';
       const text = `This is the copy on this computer: the server's document could not be read (${message}). ${kept}`;
-      this.#frame.showNotice({ id: 'unconfirmed', text, actions: [{ label: 'Try again', run: tryAgain }] });
+      this.#frame.showNotice({ id: 'unconfirmed', text, actions: [...(isRefused ? this.#signInActions() : []), { label: 'Try again', run: tryAgain }] });
       this.#progress.set({ error: message });
     };
     let source = 'network';
+    let isRefused = false;
     const read = (answer) => {
       source = sourceOf(answer);
+      isRefused = isSignedOut(answer);
       return this.#readReply(answer, fileId);
     };
     const server = await confirmedDocument({ reply, ask, read, onFailure, signal });
@@ -333,7 +351,7 @@ export class DocumentScreen {
 
   #readOpened(reply, fileId) {
     const opened = this.#readReply(reply, fileId);
-    if (!opened.ok) throw new OpenProblem(opened.title, `${opened.message}.`);
+    if (!opened.ok) throw new OpenProblem(opened.title, `${opened.message}.`, { isSignedOut: opened.isSignedOut });
     return opened;
   }
 
@@ -406,6 +424,8 @@ export class DocumentScreen {
     const { text, tone } = session ? sessionSaveText(session) : saveText(state);
     this.#frame.setSaveState(text, tone);
     this.#progress.set({ saved: state.kind === 'saved', error: tone === 'bad' ? text : null });
+    if (state.kind === 'failed' && state.isSignedOut) this.#showSignedOut(session);
+    else if (state.kind === 'saved') this.#frame.hideNotice('session');
     if (state.kind !== 'conflict') {
       this.#frame.hideNotice('conflict');
       return;
@@ -453,7 +473,7 @@ export class DocumentScreen {
     if (reply.ok) this.#progress.setSource('envConfig', reply.source);
     const version = reply.ok && reply.value && reply.value.config && reply.value.config.front_ver;
     this.#showFrontVersion(version);
-    if (reply.ok) return;
+    if (reply.ok || isSignedOut(reply)) return;
     const text = `The document's configuration is missing (${reply.message}); editing works without it.`;
     this.#frame.showNotice({ id: 'configuration', text });
   }

@@ -1,4 +1,5 @@
 import { fileVersion } from './fileVersion.js';
+import { isSignedOut } from './requestJson.js';
 
 /**
  * Sends a document's content to the server: after a pause in typing, one save at a time, again after a failure, and
@@ -7,11 +8,11 @@ import { fileVersion } from './fileVersion.js';
  *
  * @typedef {{ok: true, version: number}
  *   | {ok: false, reason: 'conflict', version: number}
- *   | {ok: false, reason: 'refused' | 'unreachable', message: string}} SaveOutcome
+ *   | {ok: false, reason: 'refused' | 'signedOut' | 'unreachable', message: string}} SaveOutcome
  *   only 'unreachable' is tried again without being asked
  * A queue without a version holds its saves back until it is told the version that the content rests on.
  *
- * @typedef {{kind: 'held' | 'saved' | 'changed' | 'saving' | 'conflict'} | {kind: 'failed', message: string}} SaveState
+ * @typedef {{kind: 'held' | 'saved' | 'changed' | 'saving' | 'conflict'} | {kind: 'failed', message: string, isSignedOut: boolean}} SaveState
  */
 
 const firstRetryMs = 2000;
@@ -151,7 +152,7 @@ export class SaveQueue {
       this.#enter({ kind: 'conflict' });
       return;
     }
-    this.#enter({ kind: 'failed', message: outcome.message });
+    this.#enter({ kind: 'failed', message: outcome.message, isSignedOut: outcome.reason === 'signedOut' });
     if (outcome.reason !== 'unreachable') return;
     this.#schedule(this.#retryMs);
     this.#retryMs = Math.min(this.#retryMs * 2, longestRetryMs);
@@ -166,6 +167,7 @@ export function saveOutcome(reply) {
     return { ok: false, reason: 'refused', message: 'the server did not confirm the save' };
   }
   if (reply.status === 409 && version !== null) return { ok: false, reason: 'conflict', version };
+  if (isSignedOut(reply)) return { ok: false, reason: 'signedOut', message: 'you are not signed in' };
   const mayPass = reply.status === 0 || reply.status >= 500 || reply.status === 429;
   return { ok: false, reason: mayPass ? 'unreachable' : 'refused', message: reply.message };
 }

@@ -37,6 +37,11 @@ async function readAnswer(response) {
   return { ok: true, value: body.value, source: local ? 'local' : 'network' };
 }
 
+/** Whether the server wants a user first. @param {JsonAnswer | JsonFailure} answer */
+export function isSignedOut(answer) {
+  return !answer.ok && answer.status === 401;
+}
+
 /**
  * @param {typeof fetch} fetchFn
  * @param {string} url

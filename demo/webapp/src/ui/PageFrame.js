@@ -63,17 +63,19 @@ export class PageFrame {
 
   /**
    * Says what is wrong, with a button to try again, above whatever of the document is already shown.
-   * @param {{title: string, detail: string, retry: () => void}} problem
+   * @param {{title: string, detail: string, retry: () => void, actions?: {label: string, run: () => void}[]}} problem
+   *   actions: what helps more than to try again
    */
-  showProblem({ title, detail, retry }) {
-    const button = crelt('button', { class: 'primary', type: 'button', onclick: retry }, 'Retry');
+  showProblem({ title, detail, retry, actions = [] }) {
+    const buttons = [...actions, { label: 'Retry', run: retry }].map(({ label, run }, i) =>
+      crelt('button', { class: i === 0 ? 'primary' : '', type: 'button', onclick: run }, label));
     const panel = this.#element('problem');
     const busy = this.place.querySelector('.busy');
     if (busy) busy.remove();
     panel.replaceChildren(
       crelt('h1', title),
       crelt('p', detail),
-      crelt('div', { class: 'actions' }, button, crelt('a', { href: '/', class: 'button' }, 'All documents')),
+      crelt('div', { class: 'actions' }, buttons, crelt('a', { href: '/', class: 'button' }, 'All documents')),
     );
     panel.hidden = false;
   }
