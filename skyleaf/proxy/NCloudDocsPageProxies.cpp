@@ -59,6 +59,13 @@ void NCloudDocsPageProxyManager::removeRequestProxy(const QString& replyName)
                    "NCloudDocsPageProxyManager::removeRequestProxy");
 }
 
+void NCloudDocsPageProxyManager::addRequestProxies()
+{
+    addRequestProxy(QStringLiteral("open_file"));
+    addRequestProxy(QStringLiteral("get_env_config"));
+    addRequestProxy(QStringLiteral("get_ssr_content"));
+}
+
 void NCloudDocsPageProxyManager::removeRequestProxies()
 {
     removeRequestProxy(QStringLiteral("open_file"));

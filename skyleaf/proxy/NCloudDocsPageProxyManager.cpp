@@ -35,10 +35,8 @@ void NCloudDocsPageProxyManager::setProxy(const NDOPProxyInfo& info)
         ndocslog::info(QStringLiteral("webview not ready"), operation);
         return;
     }
-    if (m_current.injectId == info.injectId && m_current.connId == info.connId &&
-        m_current.officeType == info.officeType) {
+    if (isCurrentLoad(info))
         return;
-    }
     ndocslog::info(QStringLiteral("initDocsLocalResource start URL:%1").arg(info.notifyUrl), operation);
     report("set_start");
     if (!NDOPConfig::instance().isDopEnabled(info.officeType)) {
@@ -60,9 +58,7 @@ void NCloudDocsPageProxyManager::setProxy(const NDOPProxyInfo& info)
     ndocslog::info(QStringLiteral("new injectId %1; new connid %2").arg(info.injectId, info.connId),
                    operation);
     m_current = info;
-    addRequestProxy(QStringLiteral("open_file"));
-    addRequestProxy(QStringLiteral("get_env_config"));
-    addRequestProxy(QStringLiteral("get_ssr_content"));
+    addRequestProxies();
     if (!setProxyUsingRecord()) {
         QString path;
         if (loadPackagePlugin(path))
@@ -106,7 +102,8 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
     }
     if (!checkUrl(info.notifyUrl))
         return false;
-    if (m_current.frontVer == info.frontVer) {
+    const bool isOtherLoad = !isCurrentLoad(info);
+    if (m_current.frontVer == info.frontVer && !isOtherLoad) {
         ndocslog::info(QStringLiteral("proxy frontVer not changed, no need to reset proxy."), operation);
         return true;
     }
@@ -127,6 +124,9 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
     removeLocalResourceProxy();
     m_current = info;
     m_current.pluginPath = path;
+    // The version may be known before anything was installed for this load; else they are left as they are.
+    if (isOtherLoad)
+        addRequestProxies();
     ndocslog::info(QStringLiteral("using plugin %1 as proxy").arg(path), operation);
     ndocslog::info(QStringLiteral("using font ver %1 as proxy").arg(info.frontVer), operation);
     addHtmlProxy();
@@ -134,6 +134,12 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
     ndocslog::info(QStringLiteral("reset proxy success"), operation);
     report("update_finish", QStringLiteral("no_error"), info.frontVer);
     return true;
+}
+
+bool NCloudDocsPageProxyManager::isCurrentLoad(const NDOPProxyInfo& info) const
+{
+    return m_current.injectId == info.injectId && m_current.connId == info.connId &&
+           m_current.officeType == info.officeType;
 }
 
 bool NCloudDocsPageProxyManager::isBrowserReady() const

@@ -47,6 +47,7 @@ public:
     void addLocalResourceProxy();
     void removeLocalResourceProxy();
     void addRequestProxy(const QString& replyName);
+    void addRequestProxies();
     void removeRequestProxy(const QString& replyName);
     /** Removes the proxies of all prefetched replies. */
     void removeRequestProxies();
@@ -78,6 +79,8 @@ private:
     };
 
     bool isBrowserReady() const;
+    /** Whether what is installed belongs to the load that `info` describes. */
+    bool isCurrentLoad(const NDOPProxyInfo& info) const;
     bool isFrontVerUsable(const QString& frontVer);
     bool setProxyUsingRecord();
     void report(const char* step, const QString& error = QStringLiteral("no_error"),

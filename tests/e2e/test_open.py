@@ -47,6 +47,9 @@ class OpenTest(EndToEndCase):
             path = os.path.join(self.shell.data_dir, "home/vlt/addons/data/win-x64/ncloudpage", directory)
             self.assertTrue(os.listdir(path), path)
         steps = self.shell.wait_for_event("docs_cloud_opentime").params["fields"]
+        times = self.shell.wait_for_event("performance_heliostat_openclouddoctime").params["fields"]
+        self.assertEqual(sorted(times), ["create_browser_time", "navigate_time", "prepare_time"])
+        self.assertTrue(all(int(each) >= 0 for each in times.values()), times)
         self.assertTrue(steps["steps"].startswith("create_succeeded;"), steps["steps"])
         self.assertTrue(steps["steps"].endswith("load_finished;web_file_ready;") or "web_file_ready" in steps["steps"])
         requests = [n.params for n in self.shell.notifications("request") if n.params["page"] == page]

@@ -12,6 +12,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
 /** A proxy manager over a browser without Chromium and packages "quillword" in directories of their versions.
@@ -271,6 +273,23 @@ TEST_F(ProxyDecision, AnUpdateSwitchesToAnInstalledVersion)
     EXPECT_FALSE(manager.updateProxy(info()));
     browser->releaseWebView();
     EXPECT_FALSE(manager.updateProxy(info("2.0")));
+}
+
+TEST_F(ProxyDecision, AVersionKnownFromTheBeginningBringsTheRepliesToo)
+{
+    begin();
+    const auto replies = [&] {
+        return std::count_if(browser->resourceCache.cbegin(), browser->resourceCache.cend(),
+                             [](const auto& entry) {
+                                 return entry.first.contains(QLatin1String("/preopen/")) ||
+                                        entry.first.contains(QLatin1String("/office-config/"));
+                             });
+    };
+    EXPECT_TRUE(manager.updateProxy(info("1.0")));
+    EXPECT_EQ(replies(), 3);
+    EXPECT_EQ(servedPackage(), directory.filePath(QStringLiteral("word-1.0")));
+    EXPECT_TRUE(manager.updateProxy(info("1.0")));
+    EXPECT_EQ(replies(), 3) << "they are left as they are";
 }
 
 TEST_F(ProxyDecision, RemovingTakesThePagesPrefixesOutOfTheBrowser)

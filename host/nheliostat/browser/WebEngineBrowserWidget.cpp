@@ -113,11 +113,20 @@ void WebEngineBrowserWidget::initWebView()
 
     Q_EMIT webviewCreated(m_container);
     askForScriptObject();
+    // A browser is there a moment later than its view; what is asked of it before waits for that.
+    QTimer::singleShot(0, m_container, [this] { announceCreated(); });
+}
+
+void WebEngineBrowserWidget::announceCreated()
+{
     Q_EMIT browserCreated();
-    if (page() && !m_loadingUrl.isEmpty())
-        page()->load(m_loadingUrl);
+    if (!page())
+        return;
+    m_isCreated = true;
+    if (m_loadingUrl.isEmpty())
+        loadStartupUrl();
     else
-        QTimer::singleShot(0, this, &WebEngineBrowserWidget::loadStartupUrl);
+        page()->load(m_loadingUrl);
 }
 
 void WebEngineBrowserWidget::releaseWebView()
@@ -133,6 +142,7 @@ void WebEngineBrowserWidget::releaseWebView()
     m_resources->detach(m_container->viewId());
     m_container->destroyLater();
     m_container.clear();
+    m_isCreated = false;
     m_loadingUrl.clear();
     m_cover->hide();
     m_errorPanel->hide();
@@ -155,7 +165,7 @@ void WebEngineBrowserWidget::load(const QUrl& url)
     m_errorPanel->hide();
     if (m_takeOver)
         m_takeOver->end();
-    if (page())
+    if (page() && m_isCreated)
         page()->load(url);
 }
 

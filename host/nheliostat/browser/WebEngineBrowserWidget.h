@@ -88,6 +88,7 @@ private:
     void giveUpTakeOver();
     void wireView();
     void askForScriptObject();
+    void announceCreated();
     void loadStartupUrl();
     void beginLoad();
     void endLoad(bool ok);
@@ -111,7 +112,8 @@ private:
     QSet<QString> m_markedProtocols;
     QString m_startupUrl;
     bool m_startupUrlEnabled = true;
-    QUrl m_loadingUrl; //!< given to `load`, not shown yet; kept for a web view still to come
+    bool m_isCreated = false; //!< the view takes loads
+    QUrl m_loadingUrl;        //!< given to `load`, not shown yet; kept for a web view still to come
     bool m_coverNextLoad = false;
 
     BrowserToolbar* m_toolbar;

@@ -105,6 +105,7 @@ Outcome PageMethods::create(const QJsonObject& params)
         return failed(QStringLiteral("no window is open"));
     if (!NHelioPluginWidgetFactory::findItem(type))
         return failed(QStringLiteral("no page type %1").arg(type));
+    m_application.collectInfo().markOpenStarted();
     NHelioAppPage* page = windows.constFirst()->centralArea()->addPage(type, QString(), {});
     if (!page)
         return failed(QStringLiteral("the page of type %1 could not be created").arg(type));

@@ -37,9 +37,11 @@ void findReply(OpenStory& story, int index)
         return;
     }
     request.reply = found;
-    ServerRequest& server = story.serverRequests[found];
+    // Taken out and put back: the compiler takes a reference into the list for one into an empty list.
+    ServerRequest server = story.serverRequests.at(found);
     server.status = request.status;
     server.bytes = request.bytes;
+    story.serverRequests.replace(found, server);
     const double until = std::min(server.endMs, request.endMs);
     if (until - request.startMs >= shortestWaitMs)
         story.waits.append({index, found, request.startMs, until, false});

@@ -24,7 +24,9 @@ QString text(const char* utf8)
 
 TEST_F(BrowserTest, RaisesItsSignalsAndComesBackAfterRelease)
 {
-    EXPECT_EQ(order, (QStringList{text("webview"), text("api"), text("browser")}));
+    EXPECT_EQ(order, (QStringList{text("webview"), text("api")}));
+    EXPECT_TRUE(waitFor([&] { return order.size() == 3; })) << "the browser comes a moment later";
+    EXPECT_EQ(order.last(), text("browser"));
     EXPECT_TRUE(browser->currentUrl().isEmpty());
     ASSERT_TRUE(load(docs("/")));
     EXPECT_EQ(browser->title(), text("Docs"));
