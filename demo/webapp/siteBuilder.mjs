@@ -16,9 +16,9 @@ const oldestBrowser = 'chrome87';
 const siteScripts = '/hybrid/weboffice-static/js';
 const editors = { w: 'editorText', s: 'editorTable' };
 /** What an editor reads only when it is asked for it. */
-const parts = { w: ['codeLanguages', 'textFiles', 'desktop'], s: ['chart', 'tableFiles', 'desktop'] };
-/** What a part takes from the editor's script instead of bringing its own; see `src/text/sharedModules.js`. */
-const sharedModules = /^@(codemirror\/(language|state|view)|lezer\/(common|highlight))$/;
+const parts = { w: ['code', 'markdown', 'textFiles', 'desktop'], s: ['chart', 'tableFiles', 'desktop'] };
+/** What parts take from the editor's script instead of bringing their own; see `src/text/sharedModules.js`. */
+const sharedModules = { code: /^prosemirror-(commands|history|state)$/ };
 /** Styles up to this size stand in the page, which saves a request before the first paint. */
 const inlineStyleLimit = 8192;
 
@@ -32,15 +32,20 @@ function hashed(name, bytes) {
   return `${path.basename(name, extension)}.${hash}${extension}`;
 }
 
-const fromEditor = {
+const fromEditor = (modules) => ({
   name: 'from-editor',
   setup(builder) {
-    builder.onResolve({ filter: sharedModules }, ({ path: name }) => ({ path: name, namespace: 'from-editor' }));
+    builder.onResolve({ filter: modules }, ({ path: name }) => ({ path: name, namespace: 'from-editor' }));
     builder.onLoad({ filter: /.*/, namespace: 'from-editor' }, ({ path: name }) => ({
       contents: `module.exports = window.skyleafShared[${JSON.stringify(name)}];`,
     }));
   },
-};
+});
+
+/** @returns {Promise<Map<string, Uint8Array>>} a part's script and style by plain name */
+function partBundles(name, define) {
+  return bundles([entry(`parts/${name}.js`, name)], define, sharedModules[name] ? [fromEditor(sharedModules[name])] : []);
+}
 
 /** @returns {Promise<Map<string, Uint8Array>>} the bundles by plain name, such as "document.js" */
 async function bundles(entries, define, plugins = []) {
@@ -96,8 +101,8 @@ function filled(template, values) {
 
 /** An editor's script, which names its parts, and its style. @returns {Promise<Map<string, Uint8Array>>} */
 async function editorBundles(code, define, folder) {
-  const partFiles = await bundles(parts[code].map((name) => entry(`parts/${name}.js`, name)), define, [fromEditor]);
-  const partUrls = await writeHashed(partFiles, folder, siteScripts);
+  const built = await Promise.all(parts[code].map((name) => partBundles(name, define)));
+  const partUrls = await writeHashed(new Map(built.flatMap((each) => [...each])), folder, siteScripts);
   const [source, name] = [editors[code], `editor-${code}`];
   return bundles([entry(`${source}.js`, name), entry(`styles/${source}.css`, name)],
     { ...define, PART_URLS: JSON.stringify(partUrls) });
@@ -105,7 +110,7 @@ async function editorBundles(code, define, folder) {
 
 /** A document page's first script and style, without the part that only editing offline needs. */
 async function documentBundles(define, folder) {
-  const partUrls = await writeHashed(await bundles([entry('parts/offline.js', 'offline')], define), folder, siteScripts);
+  const partUrls = await writeHashed(await partBundles('offline', define), folder, siteScripts);
   return bundles([entry('documentPage.js', 'document'), entry('styles/document.css', 'document')],
     { ...define, PART_URLS: JSON.stringify(partUrls) });
 }

@@ -1,23 +1,16 @@
 import { defaultKeymap } from '@codemirror/commands';
-import { defaultHighlightStyle, syntaxHighlighting } from '@codemirror/language';
+import { defaultHighlightStyle, LanguageDescription, syntaxHighlighting } from '@codemirror/language';
+import { languages } from '@codemirror/language-data';
 import { Compartment } from '@codemirror/state';
 import { drawSelection, EditorView as CodeView, keymap } from '@codemirror/view';
 import crelt from 'crelt';
 import { exitCode } from 'prosemirror-commands';
 import { redo, undo } from 'prosemirror-history';
 import { Selection, TextSelection } from 'prosemirror-state';
-import { tellFailure } from '../ui/files.js';
-import { loadPart } from '../ui/parts.js';
-
-/** The languages are read when the page has nothing better to do: code is there, and can be edited, without them. */
-async function languagesWhenIdle() {
-  await new Promise((resolve) => window.requestIdleCallback(resolve, { timeout: 2000 }));
-  return loadPart('codeLanguages');
-}
 
 function languageChooser(choose) {
-  const plain = crelt('option', { value: '' }, 'Plain');
-  const select = crelt('select', { 'aria-label': 'Language of the code', disabled: 'disabled' }, plain);
+  const options = [crelt('option', { value: '' }, 'Plain'), ...languages.map(({ name }) => crelt('option', { value: name }, name))];
+  const select = crelt('select', { 'aria-label': 'Language of the code' }, ...options);
   select.addEventListener('change', () => choose(select.value));
   return select;
 }
@@ -52,18 +45,7 @@ export class CodeBlockView {
     });
     this.#chooser = languageChooser((name) => this.#chooseLanguage(name));
     this.dom = crelt('div', { class: 'code-block' }, this.#chooser, this.#code.dom);
-    this.#offerLanguages();
-  }
-
-  async #offerLanguages() {
-    try {
-      const { languageNames } = await languagesWhenIdle();
-      this.#chooser.append(...languageNames.map((name) => crelt('option', { value: name }, name)));
-      this.#chooser.disabled = false;
-      await this.#showLanguage();
-    } catch (error) {
-      tellFailure(`Code is shown without highlighting: ${error.message}`);
-    }
+    this.#showLanguage();
   }
 
   /** Called by the outer editor when the node changed. */
@@ -71,7 +53,7 @@ export class CodeBlockView {
     if (node.type !== this.#node.type) return false;
     const isOtherLanguage = node.attrs.params !== this.#node.attrs.params;
     this.#node = node;
-    if (isOtherLanguage && !this.#chooser.disabled) this.#showLanguage();
+    if (isOtherLanguage) this.#showLanguage();
     if (this.#updating) return true;
     const next = node.textContent;
     const now = this.#code.state.doc.toString();
@@ -115,9 +97,8 @@ export class CodeBlockView {
   }
 
   async #showLanguage() {
-    const { languageNamed } = await loadPart('codeLanguages');
     const name = this.#node.attrs.params;
-    const description = name ? languageNamed(name) : null;
+    const description = name ? LanguageDescription.matchLanguageName(languages, name, true) : null;
     this.#chooser.value = description ? description.name : '';
     const support = description ? await description.load() : [];
     if (!this.#closed && name === this.#node.attrs.params) this.#code.dispatch({ effects: this.#language.reconfigure(support) });
@@ -189,23 +170,3 @@ export class CodeBlockView {
     return true;
   }
 }
-
-function arrowInto(direction) {
-  return (state, dispatch, view) => {
-    if (!state.selection.empty || !view.endOfTextblock(direction)) return false;
-    const side = direction === 'left' || direction === 'up' ? -1 : 1;
-    const { $head } = state.selection;
-    const next = Selection.near(state.doc.resolve(side > 0 ? $head.after() : $head.before()), side);
-    if (next.$head.parent.type.name !== 'code_block') return false;
-    dispatch(state.tr.setSelection(next));
-    return true;
-  };
-}
-
-/** Arrow keys that walk from the text into a code block. */
-export const codeBlockKeys = {
-  ArrowLeft: arrowInto('left'),
-  ArrowRight: arrowInto('right'),
-  ArrowUp: arrowInto('up'),
-  ArrowDown: arrowInto('down'),
-};

@@ -5,7 +5,7 @@ import { keymap } from 'prosemirror-keymap';
 import { EditorState } from 'prosemirror-state';
 import { EditorView } from 'prosemirror-view';
 import { DesktopLink } from '../ui/DesktopLink.js';
-import { codeBlockKeys, CodeBlockView } from './CodeBlockView.js';
+import { codeBlockKeys, codeBlockViews } from './codeBlocks.js';
 import { fileActions } from './fileMenu.js';
 import { textInputRules, textKeymaps } from './keys.js';
 import { textMenuBar } from './menu.js';
@@ -28,7 +28,7 @@ export function mountTextEditor(host, content, { onChange, fileName }) {
   const view = new EditorView(host, {
     state,
     attributes: { class: 'text-page', 'aria-label': 'Document text', spellcheck: 'true' },
-    nodeViews: { code_block: (node, outer, position) => new CodeBlockView(node, outer, position) },
+    nodeViews: codeBlockViews((nodeViews) => view.isDestroyed || view.setProps({ nodeViews })),
     dispatchTransaction(transaction) {
       view.updateState(view.state.apply(transaction));
       if (transaction.docChanged) onChange();

@@ -1,7 +1,6 @@
 import { DOMParser as ModelParser } from 'prosemirror-model';
 import { loadPart } from '../ui/parts.js';
-import { documentFromMarkdown } from './markdown.js';
-import { textSchema } from './schema.js';
+import { documentFromContent, textSchema } from './schema.js';
 
 /** What `readTextFile` reads, as a file chooser wants it. */
 export const readableFiles = '.docx,.md,.markdown,.txt,.html,.htm';
@@ -23,5 +22,7 @@ export async function readTextFile(file) {
     return fromHtml(await docxToHtml(await file.arrayBuffer()));
   }
   const text = await file.text();
-  return extension === 'html' || extension === 'htm' ? fromHtml(text) : documentFromMarkdown(text);
+  if (extension === 'html' || extension === 'htm') return fromHtml(text);
+  const { contentFromMarkdown } = await loadPart('markdown');
+  return documentFromContent(contentFromMarkdown(text));
 }

@@ -2,7 +2,6 @@ import { MenuItem } from 'prosemirror-menu';
 import { chooseFile, downloadBlob, tellFailure, withExtension } from '../ui/files.js';
 import { loadPart } from '../ui/parts.js';
 import { readableFiles, readTextFile } from './fileImport.js';
-import { markdownFromDocument } from './markdown.js';
 
 function item(label, run) {
   return new MenuItem({ label, title: label, run: (state, _dispatch, view) => run(view, state) });
@@ -23,18 +22,21 @@ async function insertFile(view) {
   view.focus();
 }
 
-async function downloadDocx(doc, fileName) {
+/** Makes a file by a part of the front end, and hands it to the browser. */
+async function download(part, makeBlob, fileName) {
   try {
-    const { docxBlob } = await loadPart('textFiles');
-    downloadBlob(await docxBlob(doc), withExtension(fileName, 'docx'));
+    downloadBlob(await makeBlob(await loadPart(part)), fileName);
   } catch (error) {
     tellFailure(`The file could not be made: ${error.message}`);
   }
 }
 
+const downloadDocx = (doc, fileName) => download('textFiles', ({ docxBlob }) => docxBlob(doc), withExtension(fileName, 'docx'));
+
 function downloadMarkdown(doc, fileName) {
-  const text = new Blob([markdownFromDocument(doc)], { type: 'text/markdown;charset=utf-8' });
-  downloadBlob(text, withExtension(fileName, 'md'));
+  const markdownBlob = ({ markdownFromContent }) =>
+    new Blob([markdownFromContent(doc.toJSON())], { type: 'text/markdown;charset=utf-8' });
+  return download('markdown', markdownBlob, withExtension(fileName, 'md'));
 }
 
 /**
