@@ -23,7 +23,7 @@ from opening import BadOpening  # noqa: E402
 
 WARM_UP_OPENS = 3
 PAUSE = 0.3
-MOST_RATIO = 1.02
+MOST_RATIO = 1.01
 STEPS = {"visible": "text painted", "editable": "editor takes input"}
 
 
