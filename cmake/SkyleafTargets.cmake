@@ -14,6 +14,12 @@ if(CCACHE_PROGRAM)
       "${CMAKE_COMMAND};-E;env;CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime;CCACHE_BASEDIR=${CMAKE_SOURCE_DIR};CCACHE_NOHASHDIR=1;${CCACHE_PROGRAM}")
 endif()
 
+# Many test programs are linked: the quick linker where there is one.
+find_program(LLD_PROGRAM ld.lld)
+if(LLD_PROGRAM)
+  add_link_options(-fuse-ld=lld)
+endif()
+
 # The strict interface: language standard, warnings, and the Qt macros that forbid silent conversions.
 add_library(skyleaf_strict INTERFACE)
 target_compile_features(skyleaf_strict INTERFACE cxx_std_17)
