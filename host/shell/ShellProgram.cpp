@@ -3,6 +3,7 @@
 #include "shell/CloudServiceLink.h"
 #include "shell/UserSession.h"
 #include "shell/cloud/CloudWindows.h"
+#include "shell/config/GatewaySettings.h"
 #include "shell/control/ControlSession.h"
 #include "shell/control/StoryMethods.h"
 #include "shell/control/TabMethods.h"
@@ -159,6 +160,11 @@ QString ShellProgram::startBrowser()
     setup.scriptOrigins = m_setup.host.scriptOrigins();
     setup.interceptedHosts = m_setup.host.interceptedHosts();
     setup.resolve = m_setup.host.resolve;
+    setup.gatewayLimits = gatewayLimits([](const QString& name) {
+        nrt::NCCCommonSettings settings;
+        settings.beginGroup(QStringLiteral("requestGateway"));
+        return settings.value(name);
+    });
     setup.headless = m_setup.line.headless;
     setup.startupPagesFile = m_setup.dataDir + QStringLiteral("/startup-pages.json");
     try {

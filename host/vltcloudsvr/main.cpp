@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdio>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -54,6 +55,8 @@ int runService(const ServiceOptions& options)
 
 int main(int argc, char** argv)
 {
+    // Whoever started the service may have left it copies of its own files and connections.
+    ::close_range(STDERR_FILENO + 1, ~0U, 0);
     std::setlocale(LC_ALL, "");
     // What the service makes is the user's alone: the socket, the records, the packages.
     ::umask(S_IRWXG | S_IRWXO);

@@ -25,7 +25,7 @@ public:
 
 private:
     void acceptNext();
-    void onAccepted(boost::system::error_code error, boost::asio::ip::tcp::socket socket);
+    void onReady(boost::system::error_code error);
     void onRetry(boost::system::error_code error);
 
     boost::asio::ip::tcp::acceptor m_acceptor;

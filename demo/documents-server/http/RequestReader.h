@@ -59,13 +59,17 @@ public:
         m_parser->header_limit(headLimit);
         m_parser->body_limit(std::numeric_limits<std::uint64_t>::max()); // the reception has its own
         expectNews();
-        boost::beast::http::async_read_header(m_stream, m_buffer, *m_parser, bound(&RequestReader::onHead));
+        m_headBytes = 0;
+        readHead();
     }
 
 private:
     static constexpr std::uint32_t headLimit = 32 * 1024;
     static constexpr std::uint64_t discardLimit = 1024 * 1024;
+    static constexpr std::size_t headReadSize = 16 * 1024;
     static constexpr std::size_t readSize = 64 * 1024;
+    /** For what cannot be parsed yet: a head, a chunk's head with its extensions, a trailer. */
+    static constexpr std::size_t bufferLimit = 128 * 1024;
     static constexpr std::size_t bodyPieceSize = 256 * 1024;
 
     template <typename Step>
@@ -74,6 +78,27 @@ private:
         return [this, owner = m_owner.lock(), step](boost::system::error_code error, std::size_t) {
             (this->*step)(error);
         };
+    }
+
+    void readHead()
+    {
+        if (m_buffer.size() > 0) {
+            boost::system::error_code error;
+            const std::size_t parsed = m_parser->put(m_buffer.data(), error);
+            m_buffer.consume(parsed);
+            m_headBytes += parsed;
+            // The parser bounds what it is given at once, and not the sum of the fields that it took.
+            if (m_headBytes > headLimit)
+                error = boost::beast::http::error::header_limit;
+            if (error != boost::beast::http::error::need_more)
+                return onHead(error);
+        }
+        m_stream.async_read_some(
+            m_buffer.prepare(headReadSize),
+            [this, owner = m_owner.lock()](boost::system::error_code error, std::size_t bytes) {
+                m_buffer.commit(bytes);
+                error ? onHead(error) : readHead();
+            });
     }
 
     void expectNews() { boost::beast::get_lowest_layer(m_stream).expires_after(silenceLimit); }
@@ -193,7 +218,8 @@ private:
     const ConnectionServices& m_services;
     Done m_done;
     std::weak_ptr<void> m_owner;
-    boost::beast::flat_buffer m_buffer;
+    boost::beast::flat_buffer m_buffer{bufferLimit};
+    std::size_t m_headBytes = 0;
     std::optional<boost::beast::http::request_parser<boost::beast::http::buffer_body>> m_parser;
     ReceivedRequest m_received;
     Reception m_reception;

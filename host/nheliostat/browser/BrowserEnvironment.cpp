@@ -86,6 +86,7 @@ BrowserEnvironment::BrowserEnvironment(Setup setup)
     GatewayOptions options;
     options.interceptedHosts = m_setup.interceptedHosts;
     options.resolve = m_setup.resolve;
+    options.limits = m_setup.gatewayLimits;
     options.observer = [this](const GatewayRequestRecord& record) {
         QMetaObject::invokeMethod(
             this, [this, record] { deliverRecord(record); }, Qt::QueuedConnection);

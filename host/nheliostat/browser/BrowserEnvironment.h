@@ -40,6 +40,7 @@ public:
         QStringList scriptOrigins; //!< the origins whose main-frame documents get the script object
         QStringList interceptedHosts;
         QMap<QString, QString> resolve; //!< as GatewayOptions::resolve
+        GatewayLimits gatewayLimits;
         bool headless = false;          //!< nobody sits before the screen: no dialogs
         QString startupPagesFile;       //!< empty: in the user's configuration directory
     };

@@ -25,7 +25,8 @@ public:
 
 private:
     void accept();
-    void onAccepted(const boost::system::error_code& error, boost::asio::ip::tcp::socket socket);
+    void acceptWaiting();
+    void pause();
 
     const std::vector<std::unique_ptr<Worker>>& m_workers;
     boost::asio::ip::tcp::acceptor m_acceptor;

@@ -16,13 +16,7 @@ namespace {
 
 namespace http = boost::beast::http;
 using AnsweredBy = GatewayRequestRecord::AnsweredBy;
-using namespace std::chrono_literals;
 
-constexpr auto idleLimit = 120s;
-constexpr auto headLimit = 30s;
-constexpr auto handshakeLimit = 30s;
-constexpr auto drainLimit = 30s;
-constexpr auto lingerLimit = 5s;
 constexpr std::size_t readSize = 16 * 1024;
 
 } // namespace
@@ -40,10 +34,15 @@ ClientConnection::~ClientConnection()
         m_connector->cancel();
 }
 
-void ClientConnection::setState(State state, std::chrono::seconds limit)
+const GatewayLimits& ClientConnection::limits() const
+{
+    return m_worker.context().limits;
+}
+
+void ClientConnection::setState(State state, GatewayLimits::Time limit)
 {
     m_state = state;
-    m_deadline = limit > 0s ? m_worker.now() + limit : TimePoint::max();
+    m_deadline = limit > GatewayLimits::Time::zero() ? m_worker.now() + limit : TimePoint::max();
 }
 
 void ClientConnection::start()
@@ -68,8 +67,47 @@ void ClientConnection::close()
 
 void ClientConnection::expireIfDue(TimePoint now)
 {
-    if (now >= m_deadline)
+    if (const std::shared_ptr<Forwarder> forwarder = m_forwarder)
+        forwarder->expireIfDue(now);
+    else if (const std::shared_ptr<Tunnel> tunnel = m_tunnel)
+        tunnel->expireIfDue(now, limits().silence);
+    else if (now >= m_deadline)
+        expire();
+}
+
+void ClientConnection::expire()
+{
+    if (isIdle())
+        endIdle();
+    else if (m_state == State::ReadingHead)
+        refuseSlowHead();
+    else
         close();
+}
+
+bool ClientConnection::isIdle() const
+{
+    return m_state == State::AwaitingInner || (m_state == State::ReadingHead && !m_headStarted);
+}
+
+/**
+ * Says so to the browser, which may be sending the next request just now: it learns that this one found the
+ * connection ended, and sends it on another.
+ */
+void ClientConnection::endIdle()
+{
+    if (m_link->transport->isQuiet())
+        linger();
+    else
+        onReadable(*m_link->transport);
+}
+
+void ClientConnection::refuseSlowHead()
+{
+    m_allowed = m_inner.has_value();
+    m_link->head.reset(0);
+    m_trace.begin(m_link->head, {});
+    refuse({408, "the request's head did not end in time", {}, true});
 }
 
 void ClientConnection::endPending(const std::string& viewId)
@@ -133,7 +171,7 @@ void ClientConnection::prepareNext()
     m_link->startRequest();
     m_headStarted = false;
     m_discarder.restart();
-    setState(State::ReadingHead, idleLimit);
+    setState(State::ReadingHead, limits().idle);
 }
 
 void ClientConnection::readRequests()
@@ -152,11 +190,12 @@ bool ClientConnection::parseHead()
     if (m_link->parseHead(error))
         return true;
     if (error && error != http::error::need_more) {
+        m_allowed = m_inner.has_value();
         m_trace.begin(m_link->head, {});
         refuse(refusalOfMalformedHead(error));
     } else if (!m_headStarted) {
         m_headStarted = true;
-        setState(State::ReadingHead, headLimit);
+        setState(State::ReadingHead, limits().requestHead);
     }
     return false;
 }
@@ -185,10 +224,10 @@ void ClientConnection::handleRequest()
     const RequestHead& head = m_link->head;
     const RequestParser& parser = *m_link->parser;
     m_keepAlive = parser.keep_alive();
-    const bool allowed = m_inner || m_worker.context().credentials.accept(head.proxyAuthorization);
-    m_trace.begin(head, allowed ? head.viewId : std::string_view());
+    m_allowed = m_inner || m_worker.context().credentials.accept(head.proxyAuthorization);
+    m_trace.begin(head, m_allowed ? head.viewId : std::string_view());
 
-    if (const std::optional<Refusal> refusal = refusalOf(head, parser, allowed)) {
+    if (const std::optional<Refusal> refusal = refusalOf(head, parser, m_allowed)) {
         refuse(*refusal);
         return;
     }
@@ -268,12 +307,13 @@ void ClientConnection::answerFromHandler(const QVariantMap& answer)
 void ClientConnection::forward()
 {
     setState(State::Forwarding);
-    m_forwarder = std::make_shared<Forwarder>(m_worker, m_link,
-                                              [weak = weak_from_this()](const ForwardOutcome& outcome) {
-                                                  if (const auto self = weak.lock())
-                                                      self->onForwarded(outcome);
-                                              });
-    m_forwarder->start();
+    const auto forwarder = std::make_shared<Forwarder>(
+        m_worker, m_link, [weak = weak_from_this()](const ForwardOutcome& outcome) {
+            if (const auto self = weak.lock())
+                self->onForwarded(outcome);
+        });
+    m_forwarder = forwarder;
+    forwarder->start(); // may end within
 }
 
 void ClientConnection::onForwarded(const ForwardOutcome& outcome)
@@ -282,8 +322,11 @@ void ClientConnection::onForwarded(const ForwardOutcome& outcome)
     m_link->transport->setListener(weak_from_this());
     m_inputLikely = true;
     switch (outcome.kind) {
-    case ForwardOutcome::Kind::Unreachable:
-        failOnNetwork(outcome.failure);
+    case ForwardOutcome::Kind::Failed:
+        if (outcome.failureStatus == 400)
+            refuse({400, outcome.failure, {}, true});
+        else
+            failOnNetwork(outcome.failureStatus, outcome.failure);
         break;
     case ForwardOutcome::Kind::Switched:
         runTunnel(outcome.upstream, outcome.early, {}, outcome.status);
@@ -314,16 +357,16 @@ void ClientConnection::refuse(const Refusal& refusal)
     send(errorAnswer(refusal.status, refusal.text, form(), refusal.headerLines));
 }
 
-void ClientConnection::failOnNetwork(const std::string& reason)
+void ClientConnection::failOnNetwork(int status, const std::string& reason)
 {
-    Answer answer = errorAnswer(502, reason, form());
+    Answer answer = errorAnswer(status, reason, form());
     answer.by = AnsweredBy::Network;
     send(std::move(answer));
 }
 
 void ClientConnection::send(Answer answer)
 {
-    setState(State::Writing);
+    setState(State::Writing, m_allowed ? GatewayLimits::Time::zero() : limits().refused);
     m_writer.begin(std::move(answer));
     continueWriting();
 }
@@ -347,7 +390,7 @@ void ClientConnection::finishRequest()
     if (!m_keepAlive || (bodyUnread && m_link->head.expectsContinue)) {
         linger();
     } else if (bodyUnread) {
-        setState(State::Draining, drainLimit);
+        setState(State::Draining, limits().refused);
         drain();
     } else {
         prepareNext();
@@ -374,7 +417,7 @@ void ClientConnection::drain()
 
 void ClientConnection::linger()
 {
-    setState(State::Lingering, lingerLimit);
+    setState(State::Lingering, limits().farewell);
     m_link->transport->closeWrite();
     discardUntilClosed();
 }
@@ -383,118 +426,6 @@ void ClientConnection::discardUntilClosed()
 {
     if (m_discarder.discardAll(*m_link) != InputDiscarder::Result::Blocked)
         close();
-}
-
-// CONNECT
-
-void ClientConnection::handleConnect()
-{
-    const std::optional<HostPort> endpoint = parseAuthority(m_link->head.target, 0);
-    if (m_inner || !endpoint)
-        refuse({400, "CONNECT needs a target of the form host:port, outside of any other tunnel"});
-    else if (m_worker.context().isIntercepted(*endpoint))
-        openIntercepted(*endpoint);
-    else
-        openTunnel(*endpoint);
-}
-
-void ClientConnection::openIntercepted(HostPort endpoint)
-{
-    constexpr std::string_view granted = "HTTP/1.1 200 Connection established\r\n\r\n";
-    if (m_link->input.size() > 0) {
-        refuse({400, "bytes came before the tunnel was granted", {}, true});
-        return;
-    }
-    // The tunnel itself is no request of the page; those inside it are recorded.
-    m_trace.discard();
-    m_inner = Origin{Scheme::Http, std::move(endpoint)};
-    // Nothing else is on its way to the browser, so this little always fits.
-    if (m_link->transport->write(granted.data(), granted.size()).bytes != granted.size()) {
-        close();
-        return;
-    }
-    setState(State::AwaitingInner, idleLimit);
-    m_link->transport->wantRead();
-}
-
-void ClientConnection::beginInner()
-{
-    constexpr int tlsHandshakeRecord = 0x16;
-    const int first = m_link->transport->peekByte();
-    if (first < 0) {
-        if (m_link->transport->peerGone())
-            close();
-        else
-            m_link->transport->wantRead();
-        return;
-    }
-    if (first != tlsHandshakeRecord) { // "ws:" and "http:" inside a tunnel
-        prepareNext();
-        readRequests();
-        return;
-    }
-    SslPtr ssl = m_worker.context().tls.serverSession();
-    if (!ssl) {
-        close();
-        return;
-    }
-    m_inner->scheme = Scheme::Https;
-    m_link->transport->startTls(std::move(ssl));
-    setState(State::Handshaking, handshakeLimit);
-    shakeHands();
-}
-
-void ClientConnection::shakeHands()
-{
-    const IoResult result = m_link->transport->handshake();
-    if (result.blocked()) {
-        m_link->transport->want(result);
-    } else if (result.done()) {
-        m_inputLikely = true;
-        prepareNext();
-        readRequests();
-    } else {
-        close();
-    }
-}
-
-void ClientConnection::openTunnel(const HostPort& endpoint)
-{
-    setState(State::Connecting);
-    m_trace.setUrl("https://" + Origin{Scheme::Https, endpoint}.authority());
-    m_connector = std::make_shared<UpstreamConnector>(
-        m_worker.io(), m_worker.context(), Origin{Scheme::Http, endpoint},
-        [weak = weak_from_this(), name = endpoint.text()](std::shared_ptr<Transport> server,
-                                                          const std::string& failure) {
-            const std::shared_ptr<ClientConnection> self = weak.lock();
-            if (!self || self->m_state != State::Connecting)
-                return;
-            if (server) {
-                self->runTunnel(std::move(server), {}, "HTTP/1.1 200 Connection established\r\n\r\n", 200);
-                return;
-            }
-            self->failOnNetwork("Cannot connect to " + name + ": " + failure);
-            self->readRequests();
-        });
-    m_connector->start();
-    m_link->transport->wantRead();
-}
-
-void ClientConnection::runTunnel(std::shared_ptr<Transport> server, std::string early, std::string toBrowser,
-                                 int status)
-{
-    setState(State::Tunnelling);
-    boost::beast::flat_buffer& input = m_link->input;
-    std::string toServer(static_cast<const char*>(input.data().data()), input.size());
-    input.consume(input.size());
-    m_tunnel = std::make_shared<Tunnel>(m_link->transport, std::move(server),
-                                        [weak = weak_from_this(), status](qint64 bytes) {
-                                            if (const auto self = weak.lock()) {
-                                                self->m_trace.finish(AnsweredBy::Network, status, bytes);
-                                                self->close();
-                                            }
-                                        });
-    m_tunnel->start(std::move(toServer), std::move(toBrowser) + early);
 }
 
 } // namespace gateway

@@ -2,6 +2,7 @@
 
 #include "gateway/AnswerWriter.h"
 #include "gateway/ClientLink.h"
+#include "gateway/GatewayLimits.h"
 #include "gateway/HandlerExchange.h"
 #include "gateway/InputDiscarder.h"
 #include "gateway/RequestTrace.h"
@@ -41,7 +42,7 @@ public:
 
     void start();
     void close();
-    /** Closes the connection when its peer has let a time limit pass. */
+    /** Ends the connection, or its request, when a peer has let a time limit pass. */
     void expireIfDue(TimePoint now);
     /** Ends a request of this view that waits for its handler. */
     void endPending(const std::string& viewId);
@@ -80,7 +81,7 @@ private:
     void onForwarded(const ForwardOutcome& outcome);
     AnswerForm form() const;
     void refuse(const Refusal& refusal);
-    void failOnNetwork(const std::string& reason);
+    void failOnNetwork(int status, const std::string& reason);
     void send(Answer answer);
     void continueWriting();
     void finishRequest();
@@ -96,8 +97,13 @@ private:
     void openTunnel(const HostPort& endpoint);
     void runTunnel(std::shared_ptr<Transport> server, std::string early, std::string toBrowser, int status);
 
+    const GatewayLimits& limits() const;
     /** Without a limit the state may last for as long as it likes. */
-    void setState(State state, std::chrono::seconds limit = {});
+    void setState(State state, GatewayLimits::Time limit = {});
+    void expire();
+    bool isIdle() const;
+    void endIdle();
+    void refuseSlowHead();
 
     Worker& m_worker;
     const std::shared_ptr<ClientLink> m_link;
@@ -106,6 +112,7 @@ private:
     bool m_inputLikely = false; //!< a read may give bytes without waiting
     bool m_headStarted = false;
     bool m_keepAlive = true;
+    bool m_allowed = false; //!< the request needs no credentials, or carries them
 
     std::optional<Origin> m_inner; //!< set inside an intercepted tunnel
     RequestTrace m_trace;

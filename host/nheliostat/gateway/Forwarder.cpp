@@ -19,26 +19,8 @@ constexpr std::size_t bufferSize = 64 * 1024;
 // After so many buffers other connections of the thread get their turn.
 constexpr int buffersPerTurn = 16;
 
-bool isIdempotent(http::verb verb)
-{
-    return verb == http::verb::get || verb == http::verb::head || verb == http::verb::put ||
-           verb == http::verb::delete_ || verb == http::verb::options || verb == http::verb::trace;
-}
-
-bool asksForWebSocket(const ClientLink& link)
-{
-    return link.parser->upgrade() &&
-           std::any_of(link.head.fields.begin(), link.head.fields.end(), [](const HeaderField& field) {
-               return field.id == http::field::upgrade && equalsIgnoringCase(field.value, "websocket");
-           });
-}
-
-BodyFraming requestFraming(const RequestParser& parser)
-{
-    if (parser.is_done())
-        return BodyFraming::None;
-    return parser.chunked() ? BodyFraming::Chunked : BodyFraming::Length;
-}
+// A server may just be ending a connection that was idle for longer than this.
+constexpr auto freshFor = std::chrono::seconds(1);
 
 } // namespace
 
@@ -57,23 +39,39 @@ Forwarder::~Forwarder()
 
 void Forwarder::start()
 {
-    const ClientLink& link = *m_link;
-    m_asksSwitch = asksForWebSocket(link);
-    m_requestFraming = requestFraming(*link.parser);
-    m_requestDone = m_requestFraming == BodyFraming::None;
-    m_isRepeatable = m_requestDone && isIdempotent(link.head.verb);
+    ClientLink& link = *m_link;
     m_browserKeepsAlive = link.head.version == 11 && link.parser->keep_alive();
-    m_requestHead = upstreamRequestHead(link.head, link.target, m_requestFraming, m_asksSwitch);
-    m_link->parser->collectBody(&m_bodyPiece);
+    m_request.emplace(link);
+    m_movedAt = m_worker.now();
     link.transport->setListener(weak_from_this());
     link.transport->wantRead(); // a browser that leaves is noticed while the server is slow
-    acquire(!m_asksSwitch);
+    acquire(!m_request->asksSwitch());
+}
+
+void Forwarder::expireIfDue(TimePoint now)
+{
+    if (!m_done || !m_upstream)
+        return; // connecting has a limit of its own
+    const GatewayLimits& limits = m_worker.context().limits;
+    if (m_headSince && now - *m_headSince >= limits.answerHead) {
+        upstreamFailed("the head of the server's answer did not end in time", 504);
+        return;
+    }
+    const std::size_t moved = m_request->moved() + m_received;
+    if (moved != m_movedBefore || !m_toBrowser.empty()) { // a browser may take its time
+        m_movedBefore = moved;
+        m_movedAt = now;
+    } else if (now - m_movedAt >= limits.silence) {
+        upstreamFailed("nothing moved for too long", 504);
+    }
 }
 
 void Forwarder::acquire(bool mayReuse)
 {
     const Origin& origin = m_link->target.origin;
-    std::shared_ptr<Transport> idle = mayReuse ? m_worker.pool().take(origin) : nullptr;
+    // What cannot be sent twice does not risk a connection that its server may be ending.
+    const auto since = m_request->canRepeat() ? TimePoint::min() : m_worker.now() - freshFor;
+    std::shared_ptr<Transport> idle = mayReuse ? m_worker.pool().take(origin, since) : nullptr;
     m_upstreamReused = idle != nullptr;
     if (idle) {
         begin(std::move(idle));
@@ -97,8 +95,9 @@ void Forwarder::begin(std::shared_ptr<Transport> upstream)
     m_upstream = std::move(upstream);
     m_upstream->setListener(weak_from_this());
     m_input.consume(m_input.size());
-    m_toServer = m_requestHead;
-    m_toServerWritten = 0;
+    m_scanner.restart();
+    m_headSince.reset();
+    m_request->restart();
     m_parser.emplace(m_head, m_responsePiece, m_link->head.verb == http::verb::head);
     pump();
 }
@@ -115,8 +114,11 @@ void Forwarder::onWritable(Transport& transport)
 
 void Forwarder::resume(Transport& transport)
 {
-    const bool watchingBrowser = &transport == m_link->transport.get() && (m_requestDone || !m_upstream);
-    if (m_done && watchingBrowser && transport.peerGone())
+    if (!m_done)
+        return;
+    const bool watchingBrowser =
+        &transport == m_link->transport.get() && (m_request->isRead() || !m_upstream);
+    if (watchingBrowser && transport.peerGone())
         finish({Kind::Broken, m_status, m_bodyBytes});
     else
         pump();
@@ -124,9 +126,8 @@ void Forwarder::resume(Transport& transport)
 
 void Forwarder::pump()
 {
-    if (!m_done || !m_upstream)
+    if (!m_done || !m_upstream || !pumpRequest())
         return;
-    pumpRequest();
     for (int turn = 0; m_done && m_upstream && pumpResponse() == Step::Progress; ++turn) {
         if (turn >= buffersPerTurn && !m_upstream->hasBufferedInput() && m_toBrowser.empty() &&
             m_input.size() == 0) {
@@ -136,60 +137,20 @@ void Forwarder::pump()
     }
 }
 
-void Forwarder::pumpRequest()
+/** False when that has ended everything. */
+bool Forwarder::pumpRequest()
 {
-    while (m_done && m_upstream && !m_requestBroken) {
-        if (m_toServerWritten < m_toServer.size()) {
-            const IoResult result = m_upstream->write(m_toServer.data() + m_toServerWritten,
-                                                      m_toServer.size() - m_toServerWritten);
-            m_toServerWritten += result.bytes;
-            m_upstream->want(result);
-            // A server that refuses a body closes early; what it has to say is read next.
-            m_requestBroken = !result.done() && !result.blocked();
-            if (!result.done())
-                return;
-            continue;
-        }
-        m_toServer.clear();
-        m_toServerWritten = 0;
-        if (m_requestDone || readRequestBody() != Step::Progress)
-            return;
-    }
-}
-
-Forwarder::Step Forwarder::readRequestBody()
-{
-    ClientLink& link = *m_link;
-    if (link.input.size() > 0) {
-        boost::system::error_code error;
-        link.input.consume(link.parser->put(link.input.data(), error));
-        if (error && error != http::error::need_more) {
-            finish({Kind::Broken, m_status, m_bodyBytes});
-            return Step::Ended;
-        }
-        if (m_requestFraming == BodyFraming::Chunked)
-            appendChunk(m_toServer, m_bodyPiece);
-        else
-            m_toServer += m_bodyPiece;
-        const bool moved = !m_bodyPiece.empty();
-        m_bodyPiece.clear();
-        m_requestDone = link.parser->is_done();
-        if (m_requestDone && m_requestFraming == BodyFraming::Chunked)
-            m_toServer += lastChunk;
-        if (m_requestDone)
-            link.transport->wantRead();
-        if (moved || m_requestDone || !error)
-            return Step::Progress;
-    }
-    const IoResult result = readInto(link.input, *link.transport, bufferSize);
-    if (result.done())
-        return Step::Progress;
-    if (!result.blocked()) {
+    switch (m_request->pump(*m_upstream)) {
+    case RequestSender::Result::Waiting:
+        return true;
+    case RequestSender::Result::BrowserLeft:
         finish({Kind::Broken, m_status, m_bodyBytes});
-        return Step::Ended;
+        return false;
+    case RequestSender::Result::Malformed:
+        fail(400, "the request's body is not framed as HTTP asks, or a chunk's head is longer than 64 KiB");
+        return false;
     }
-    link.transport->want(result);
-    return Step::Blocked;
+    return true;
 }
 
 Forwarder::Step Forwarder::pumpResponse()
@@ -220,7 +181,8 @@ Forwarder::Step Forwarder::readResponse()
 {
     const IoResult result = readInto(m_input, *m_upstream, bufferSize);
     if (result.done()) {
-        m_heard = true;
+        m_received += result.bytes;
+        m_request->forget();
         return Step::Progress;
     }
     if (!result.blocked())
@@ -247,13 +209,26 @@ Forwarder::Step Forwarder::endOfInput(const IoResult& result)
 Forwarder::Step Forwarder::parseResponse()
 {
     const bool hadHead = m_parser->is_header_done();
-    if (!hadHead)
-        m_head.reset(m_input.size());
+    if (!hadHead) {
+        const std::size_t size =
+            m_scanner.headSize({static_cast<const char*>(m_input.data().data()), m_input.size()});
+        if (size == 0)
+            return headIncomplete();
+        m_head.reset(size);
+        m_scanner.restart();
+        m_headSince.reset();
+    }
     boost::system::error_code error;
     const std::size_t consumed = m_parser->put(m_input.data(), error);
     m_input.consume(consumed);
-    if (error == http::error::need_more)
-        return consumed > 0 ? Step::Progress : Step::NeedsInput;
+    if (error == http::error::need_more && hadHead) {
+        if (consumed > 0)
+            return Step::Progress;
+        if (m_input.size() <= GatewayLimits::chunkHeadBytes)
+            return Step::NeedsInput;
+        upstreamFailed("a chunk's head, or the trailer, is longer than 64 KiB");
+        return Step::Ended;
+    }
     if (error) {
         upstreamFailed("the server's answer is not HTTP: " + error.message());
         return Step::Ended;
@@ -265,12 +240,27 @@ Forwarder::Step Forwarder::parseResponse()
     return m_done ? Step::Progress : Step::Ended;
 }
 
+Forwarder::Step Forwarder::headIncomplete()
+{
+    if (m_input.size() > GatewayLimits::answerHeadBytes) {
+        upstreamFailed("the head of the server's answer is longer than 256 KiB");
+        return Step::Ended;
+    }
+    if (!m_headSince)
+        m_headSince = m_worker.now();
+    return Step::NeedsInput;
+}
+
 void Forwarder::takeHead()
 {
     if (m_head.status / 100 == 1) {
         m_switched = m_head.status == 101;
-        if (m_switched && !m_asksSwitch) {
+        if (m_switched && !m_request->asksSwitch()) {
             upstreamFailed("the server switched protocols unasked");
+            return;
+        }
+        if (++m_interimAnswers > GatewayLimits::interimAnswers) {
+            upstreamFailed("the server goes on announcing its answer");
             return;
         }
         if (m_link->head.version == 11)
@@ -309,30 +299,34 @@ void Forwarder::takeBody()
         m_toBrowser += lastChunk;
 }
 
-void Forwarder::upstreamFailed(const std::string& reason)
+void Forwarder::upstreamFailed(const std::string& reason, int status)
 {
     m_upstream.reset();
-    if (m_status != 0) {
-        finish({Kind::Broken, m_status, m_bodyBytes});
-    } else if (m_upstreamReused && !m_heard && m_isRepeatable) {
+    if (m_upstreamReused && m_received == 0 && m_request->canRepeat() && status == 502) {
         // The server had closed the idle connection just then.
-        m_requestBroken = false;
         acquire(false);
-    } else {
-        ForwardOutcome outcome{Kind::Unreachable};
-        outcome.failure = "Cannot fetch from " + m_link->target.origin.endpoint.text() + ": " + reason;
-        finish(std::move(outcome));
+        return;
     }
+    fail(status, "Cannot fetch from " + m_link->target.origin.endpoint.text() + ": " + reason);
+}
+
+void Forwarder::fail(int status, std::string text)
+{
+    ForwardOutcome outcome{m_status == 0 ? Kind::Failed : Kind::Broken, m_status, m_bodyBytes};
+    outcome.failureStatus = status;
+    outcome.failure = std::move(text);
+    finish(std::move(outcome));
 }
 
 void Forwarder::finishResponse()
 {
     ForwardOutcome outcome{m_switched ? Kind::Switched : Kind::Finished, m_status, m_bodyBytes};
-    outcome.reusable = m_browserKeepsAlive && m_requestDone && m_responseFraming != BodyFraming::UntilClose;
+    outcome.reusable =
+        m_browserKeepsAlive && m_request->isRead() && m_responseFraming != BodyFraming::UntilClose;
     if (m_switched) {
         outcome.upstream = m_upstream;
         outcome.early = std::string(static_cast<const char*>(m_input.data().data()), m_input.size());
-    } else if (m_requestDone && m_parser->keep_alive() && m_input.size() == 0) {
+    } else if (m_request->isRead() && m_parser->keep_alive() && m_input.size() == 0) {
         m_worker.pool().give(m_link->target.origin, m_upstream, m_worker.now());
     }
     finish(std::move(outcome));
@@ -345,7 +339,7 @@ void Forwarder::finish(ForwardOutcome outcome)
     m_upstream.reset();
     if (m_connector)
         m_connector->cancel();
-    m_link->parser->collectBody(nullptr);
+    m_request.reset();
     if (done)
         done(outcome);
 }

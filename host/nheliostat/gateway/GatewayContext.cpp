@@ -14,7 +14,8 @@ std::vector<std::string> lowerCaseHosts(const QStringList& hosts)
 } // namespace
 
 GatewayContext::GatewayContext(const GatewayOptions& options)
-    : tls(lowerCaseHosts(options.interceptedHosts))
+    : limits(options.limits)
+    , tls(lowerCaseHosts(options.interceptedHosts))
     , observer(options.observer)
 {
     const std::vector<std::string> hosts = lowerCaseHosts(options.interceptedHosts);

@@ -25,6 +25,7 @@ public:
     /** The "address:port" to connect to instead of looking `endpoint` up; nullptr when there is none. */
     const std::string* mappedAddress(const HostPort& endpoint) const;
 
+    const GatewayLimits limits;
     const Credentials credentials;
     const TlsContexts tls;
     const std::function<void(const GatewayRequestRecord&)> observer;

@@ -20,7 +20,8 @@ InputDiscarder::Result InputDiscarder::discardBody(ClientLink& link)
         const std::size_t consumed = link.input.size() > 0 ? link.parser->put(link.input.data(), error) : 0;
         link.input.consume(consumed);
         m_dropped += consumed;
-        if ((error && error != boost::beast::http::error::need_more) || m_dropped > mostDropped)
+        const bool overlong = consumed == 0 && link.input.size() > GatewayLimits::chunkHeadBytes;
+        if ((error && error != boost::beast::http::error::need_more) || overlong || m_dropped > mostDropped)
             return Result::TooMuch;
         if (consumed > 0)
             continue;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GatewayLimits.h" // beside this header, wherever that is included from
 #include "zeolite/IWebViewResourceProviderCallback.h"
 
 #include <QByteArray>
@@ -41,6 +42,7 @@ struct GatewayOptions
     /** "host" or "host:port" to "address:port": where to connect instead of looking the host up. */
     QMap<QString, QString> resolve;
     int threads = 2;
+    GatewayLimits limits;
     /** May be empty. Called on gateway threads. */
     std::function<void(const GatewayRequestRecord&)> observer;
 };

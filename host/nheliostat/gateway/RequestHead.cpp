@@ -1,5 +1,6 @@
 #include "gateway/RequestHead.h"
 
+#include "gateway/GatewayLimits.h"
 #include "gateway/HeaderRules.h"
 #include "gateway/RequestGateway.h"
 
@@ -71,7 +72,7 @@ void RequestHead::addField(http::field id, std::string_view name, std::string_vi
 RequestParser::RequestParser(RequestHead& head)
     : m_head(head)
 {
-    header_limit(headLimit);
+    header_limit(GatewayLimits::requestHeadBytes);
     body_limit(std::numeric_limits<std::uint64_t>::max());
 }
 

@@ -26,7 +26,7 @@ public:
     MessageHead(const MessageHead&) = delete;
     MessageHead& operator=(const MessageHead&) = delete;
 
-    /** Forgets everything and makes room for a head of at most `capacity` bytes. */
+    /** Forgets everything and makes room for a head of `capacity` bytes. */
     void reset(std::size_t capacity);
     /** Copies `text` into the head's storage. */
     std::string_view store(std::string_view text);
@@ -63,8 +63,6 @@ public:
 class RequestParser : public boost::beast::http::basic_parser<true>
 {
 public:
-    static constexpr std::uint32_t headLimit = 64 * 1024; //!< bytes
-
     explicit RequestParser(RequestHead& head);
     /** Where body bytes are appended from now on; nullptr drops them. */
     void collectBody(std::string* body) { m_body = body; }

@@ -1,5 +1,7 @@
 #include "gateway/ResponseHead.h"
 
+#include "gateway/GatewayLimits.h"
+
 #include <limits>
 
 namespace gateway {
@@ -17,7 +19,7 @@ ResponseParser::ResponseParser(ResponseHead& head, std::string& body, bool bodil
     : m_head(head)
     , m_body(body)
 {
-    header_limit(headLimit);
+    header_limit(GatewayLimits::answerHeadBytes);
     body_limit(std::numeric_limits<std::uint64_t>::max());
     skip(bodiless);
 }

@@ -17,8 +17,6 @@ public:
 class ResponseParser : public boost::beast::http::basic_parser<false>
 {
 public:
-    static constexpr std::uint32_t headLimit = 256 * 1024; //!< bytes
-
     /** `bodiless`: the response to a HEAD request, which announces a body that never comes. */
     ResponseParser(ResponseHead& head, std::string& body, bool bodiless);
 

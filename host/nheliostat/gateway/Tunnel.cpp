@@ -44,9 +44,26 @@ void Tunnel::pump()
     const bool alive = pump(m_directions[0]) && pump(m_directions[1]);
     if (alive && !(m_directions[0].endPassedOn && m_directions[1].endPassedOn))
         return;
+    end();
+}
+
+void Tunnel::end()
+{
     const Done done = std::move(m_done);
     m_done = nullptr;
     done(m_directions[1].received);
+}
+
+void Tunnel::expireIfDue(std::chrono::steady_clock::time_point now, std::chrono::milliseconds silence)
+{
+    const qint64 moved = m_directions[0].received + m_directions[1].received;
+    const bool bothOpen = !m_directions[0].sourceEnded && !m_directions[1].sourceEnded;
+    if (bothOpen || moved != m_movedBefore) {
+        m_movedBefore = moved;
+        m_movedAt = now;
+    } else if (m_done && now - m_movedAt >= silence) {
+        end();
+    }
 }
 
 bool Tunnel::flush(Direction& direction, bool& blocked)

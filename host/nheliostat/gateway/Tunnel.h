@@ -5,6 +5,7 @@
 #include <QtGlobal>
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,6 +27,9 @@ public:
     /** Begins with bytes that are already there for either side. */
     void start(std::string toServer, std::string toBrowser);
 
+    /** Ends when one side has ended and the other has been silent for `silence`. */
+    void expireIfDue(std::chrono::steady_clock::time_point now, std::chrono::milliseconds silence);
+
     void onReadable(Transport& transport) override;
     void onWritable(Transport& transport) override;
 
@@ -42,12 +46,15 @@ private:
     };
 
     void pump();
+    void end();
     /** False when the tunnel must end. */
     bool pump(Direction& direction);
     bool flush(Direction& direction, bool& blocked);
 
     std::array<Direction, 2> m_directions; //!< to the server, to the browser
     Done m_done;
+    qint64 m_movedBefore = 0; //!< when that was looked at last
+    std::chrono::steady_clock::time_point m_movedAt;
 };
 
 } // namespace gateway

@@ -1,18 +1,13 @@
 #include "gateway/UpstreamConnector.h"
 
+#include "base/StreamSockets.h"
 #include "gateway/GatewayContext.h"
 
-#include <boost/asio/connect.hpp>
 #include <boost/asio/post.hpp>
 
 #include <chrono>
 
 namespace gateway {
-namespace {
-
-constexpr auto patience = std::chrono::seconds(30);
-
-} // namespace
 
 UpstreamConnector::UpstreamConnector(boost::asio::io_context& io, const GatewayContext& context,
                                      Origin origin, Done done)
@@ -25,15 +20,14 @@ UpstreamConnector::UpstreamConnector(boost::asio::io_context& io, const GatewayC
 {
 }
 
-// The operations hold the connector itself, because a composed connect goes on using the socket until its
-// end.
+// The operations hold the connector itself, because they go on using its parts until their end.
 
 void UpstreamConnector::start()
 {
-    m_timer.expires_after(patience);
+    m_timer.expires_after(m_context.limits.connect);
     m_timer.async_wait([self = shared_from_this()](const boost::system::error_code& error) {
         if (!error)
-            self->finish(nullptr, "no connection within 30 seconds");
+            self->finish(nullptr, "no connection in time");
     });
 
     const std::string* mapped = m_context.mappedAddress(m_origin.endpoint);
@@ -69,21 +63,40 @@ void UpstreamConnector::lookUp(const HostPort& address)
 
 void UpstreamConnector::connect(const Tcp::resolver::results_type& endpoints)
 {
-    boost::asio::async_connect(
-        m_socket, endpoints,
-        [self = shared_from_this()](const boost::system::error_code& error, const Tcp::endpoint&) {
-            self->onConnected(error);
-        });
+    m_endpoints = endpoints;
+    m_next = m_endpoints.begin();
+    connectNext(boost::asio::error::not_found);
 }
 
-void UpstreamConnector::onConnected(const boost::system::error_code& error)
+/** Tries the addresses one after the other; `lastError` is why the one before did not do. */
+void UpstreamConnector::connectNext(boost::system::error_code lastError)
 {
-    if (!m_done)
-        return;
-    if (error) {
-        finish(nullptr, error.message());
+    while (m_next != m_endpoints.end()) {
+        const Tcp::endpoint endpoint = m_next->endpoint();
+        ++m_next;
+        boost::system::error_code error;
+        m_socket.close(error);
+        base::openStream(m_socket, endpoint.protocol(), error);
+        if (error) {
+            lastError = error;
+            continue;
+        }
+        m_socket.async_connect(endpoint,
+                               [self = shared_from_this()](const boost::system::error_code& failure) {
+                                   if (self->m_done && failure)
+                                       self->connectNext(failure);
+                                   else if (self->m_done)
+                                       self->onConnected();
+                               });
         return;
     }
+    finish(nullptr, lastError.message());
+}
+
+void UpstreamConnector::onConnected()
+{
+    boost::system::error_code ignored;
+    m_socket.set_option(boost::asio::socket_base::keep_alive(true), ignored);
     m_transport = std::make_shared<Transport>(std::move(m_socket));
     if (m_origin.scheme == Scheme::Http) {
         finish(m_transport, {});

@@ -15,7 +15,7 @@ class GatewayContext;
 
 /**
  * Makes one connection to a server: looks the host up (or takes its mapped address), connects, and shakes
- * hands when the scheme is https. Gives up after 30 seconds.
+ * hands when the scheme is https. Gives up after the limit of the context.
  *
  * One thread. Whoever starts it keeps it alive and calls `cancel` when the result is no longer wanted.
  */
@@ -38,7 +38,8 @@ private:
 
     void lookUp(const HostPort& address);
     void connect(const Tcp::resolver::results_type& endpoints);
-    void onConnected(const boost::system::error_code& error);
+    void connectNext(boost::system::error_code lastError);
+    void onConnected();
     void shakeHands();
     void finish(std::shared_ptr<Transport> transport, const std::string& failure);
 
@@ -47,6 +48,8 @@ private:
     Done m_done;
     bool m_mapped = false;
     Tcp::resolver m_resolver;
+    Tcp::resolver::results_type m_endpoints;
+    Tcp::resolver::results_type::const_iterator m_next; //!< to be tried
     Tcp::socket m_socket;
     boost::asio::steady_timer m_timer;
     std::shared_ptr<Transport> m_transport;

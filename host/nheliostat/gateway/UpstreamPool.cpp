@@ -7,7 +7,6 @@ namespace {
 
 constexpr std::ptrdiff_t idlePerOrigin = 6;
 constexpr std::size_t idleInAll = 32;
-constexpr auto idleTime = std::chrono::seconds(30);
 
 std::string keyOf(const Origin& origin)
 {
@@ -16,11 +15,11 @@ std::string keyOf(const Origin& origin)
 
 } // namespace
 
-std::shared_ptr<Transport> UpstreamPool::take(const Origin& origin)
+std::shared_ptr<Transport> UpstreamPool::take(const Origin& origin, TimePoint earliest)
 {
     const std::string key = keyOf(origin);
     for (auto entry = m_idle.begin(); entry != m_idle.end();) {
-        if (entry->key != key) {
+        if (entry->key != key || entry->since < earliest) {
             ++entry;
             continue;
         }
@@ -46,7 +45,7 @@ void UpstreamPool::give(const Origin& origin, std::shared_ptr<Transport> transpo
 
 void UpstreamPool::expire(TimePoint now)
 {
-    m_idle.remove_if([now](const Idle& entry) { return now - entry.since > idleTime; });
+    m_idle.remove_if([this, now](const Idle& entry) { return now - entry.since > m_longest; });
 }
 
 } // namespace gateway

@@ -1,6 +1,7 @@
 #include "gateway/Worker.h"
 
 #include "gateway/ClientConnection.h"
+#include "gateway/GatewayContext.h"
 
 #include <pthread.h>
 
@@ -15,6 +16,7 @@ Worker::Worker(GatewayContext& context)
     , m_work(m_io.get_executor())
     , m_mailbox(std::make_shared<Mailbox>(m_io))
     , m_sweepTimer(m_io)
+    , m_pool(context.limits.serverIdle)
 {
 }
 
@@ -96,9 +98,19 @@ void Worker::forget(const ClientConnection& connection)
     m_connections.pop_back();
 }
 
+/** Often enough for the shortest limit, at least every second. */
+std::chrono::milliseconds Worker::sweepPeriod() const
+{
+    const GatewayLimits& limits = m_context.limits;
+    const std::chrono::milliseconds shortest =
+        std::min({limits.idle, limits.requestHead, limits.handshake, limits.refused, limits.farewell,
+                  limits.serverIdle, limits.answerHead, limits.silence});
+    return std::clamp(shortest / 4, std::chrono::milliseconds(10), std::chrono::milliseconds(1000));
+}
+
 void Worker::scheduleSweep()
 {
-    m_sweepTimer.expires_after(std::chrono::seconds(1));
+    m_sweepTimer.expires_after(sweepPeriod());
     m_sweepTimer.async_wait([this](const boost::system::error_code& error) {
         if (!error)
             sweep();

@@ -53,6 +53,7 @@ private:
     void welcome(FileHandle accepted);
     void sweep();
     void scheduleSweep();
+    std::chrono::milliseconds sweepPeriod() const;
     void shutDown();
 
     GatewayContext& m_context;

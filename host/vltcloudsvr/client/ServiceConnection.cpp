@@ -8,16 +8,42 @@
 
 #include <thrift/transport/TSocket.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <exception>
-#include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
 #include <utility>
 
 namespace vlt::cloudsvr {
 namespace {
 
 constexpr int greetingTimeoutMs = 1000;
+
+/**
+ * A connection to the socket, or -1. The library would make one that programs which the shell starts keep,
+ * and with it the service busy.
+ */
+int connectTo(const QByteArray& path)
+{
+    sockaddr_un address = {};
+    if (path.size() >= int(sizeof address.sun_path))
+        return -1;
+    address.sun_family = AF_UNIX;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0)
+        return -1;
+    // A service that does not accept must not hold whoever connects once its queue is full.
+    const timeval patience = {greetingTimeoutMs / 1000, 0};
+    ::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
+    if (::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+        return descriptor;
+    ::close(descriptor);
+    return -1;
+}
 
 } // namespace
 
@@ -44,13 +70,11 @@ bool ServiceConnection::isUsable()
 bool ServiceConnection::open()
 {
     close();
-    auto socket =
-        std::make_shared<apache::thrift::transport::TSocket>(QFile::encodeName(m_socketPath).toStdString());
-    socket->setConnTimeout(greetingTimeoutMs);
+    const int descriptor = connectTo(QFile::encodeName(m_socketPath));
+    if (descriptor < 0)
+        return false;
+    auto socket = std::make_shared<apache::thrift::transport::TSocket>(descriptor);
     try {
-        socket->open();
-        // Programs that the shell starts must not keep the service busy.
-        ::fcntl(socket->getSocketFD(), F_SETFD, FD_CLOEXEC);
         {
             const std::lock_guard<std::mutex> lock(m_mutex);
             if (m_isInterrupted)

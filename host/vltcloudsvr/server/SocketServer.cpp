@@ -10,6 +10,7 @@
 #include <thrift/transport/TServerSocket.h>
 
 #include <exception>
+#include <fcntl.h>
 #include <future>
 #include <mutex>
 #include <sys/stat.h>
@@ -18,6 +19,15 @@
 namespace vlt::cloudsvr {
 
 using namespace apache::thrift;
+
+namespace {
+
+void closeOnExec(int descriptor)
+{
+    ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
+} // namespace
 
 /** Learns of the server's start and of its clients. */
 class SocketServer::Watcher final : public server::TServerEventHandler
@@ -87,6 +97,8 @@ QString SocketServer::start(std::shared_ptr<rpc::CloudServiceIf> handler)
 {
     QFile::remove(m_socketPath);
     auto socket = std::make_shared<transport::TServerSocket>(QFile::encodeName(m_socketPath).toStdString());
+    socket->setListenCallback(&closeOnExec);
+    socket->setAcceptCallback(&closeOnExec);
     auto watcher = std::make_shared<Watcher>(*this);
     m_server = std::make_shared<server::TThreadedServer>(
         std::make_shared<rpc::CloudServiceProcessor>(std::move(handler)), socket,

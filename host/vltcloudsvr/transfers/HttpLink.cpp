@@ -1,6 +1,7 @@
 #include "vltcloudsvr/transfers/HttpLink.h"
 
-#include <boost/asio/connect.hpp>
+#include "base/StreamSockets.h"
+
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/post.hpp>
@@ -84,6 +85,7 @@ private:
     std::array<char, inputSize> m_input{};
     std::size_t m_inputBegin = 0; //!< what was read beyond the head
     std::size_t m_inputEnd = 0;
+    std::size_t m_headBytes = 0; //!< of the answer's head, those that were parsed
     std::chrono::seconds m_patience{0};
     std::string m_method;
     long long m_left = 0; //!< of the answer's body; -1 when only its end tells
@@ -138,11 +140,15 @@ HttpLink::Outcome<HttpLink::Done> HttpLink::Parts::connect()
         return failed("cannot find " + endpoint.connectHost + ": " + error.message());
     m_plain.emplace(m_io);
     m_plain->expires_after(std::chrono::seconds(connectSeconds));
-    // The stream's own time-out covers the connection that is tried.
-    error = await([&](auto handler) {
-                m_plain->async_connect(addresses, [handler](const ErrorCode& code,
-                                                            const Tcp::endpoint&) mutable { handler(code); });
-            }).first;
+    // The stream's own time-out covers the connections that are tried.
+    error = asio::error::not_found;
+    for (auto address = addresses.begin();
+         error && error != beast::error::timeout && !isInterrupted && address != addresses.end(); ++address) {
+        socket().close(error);
+        base::openStream(socket(), address->endpoint().protocol(), error);
+        if (!error)
+            error = await([&](auto handler) { m_plain->async_connect(address->endpoint(), handler); }).first;
+    }
     if (error)
         return failed("cannot connect to " + endpoint.connectHost + ":" + endpoint.connectPort + ": " +
                       error.message());
@@ -259,8 +265,13 @@ HttpLink::Outcome<HttpLink::Done> HttpLink::Parts::parseMore()
 
 void HttpLink::Parts::parseInput(ErrorCode& error)
 {
-    m_inputBegin +=
+    const std::size_t taken =
         m_parser->put(asio::buffer(m_input.data() + m_inputBegin, m_inputEnd - m_inputBegin), error);
+    m_inputBegin += taken;
+    // The parser itself looks at one field after the other and never at their sum.
+    m_headBytes += m_parser->is_header_done() ? 0 : taken;
+    if (m_headBytes > longestHead)
+        error = http::error::header_limit;
     if (error == http::error::need_more)
         error = {};
 }
@@ -271,7 +282,7 @@ HttpLink::Outcome<HttpLink::Head> HttpLink::Parts::receive()
     m_parser->header_limit(longestHead);
     m_parser->body_limit(std::numeric_limits<std::uint64_t>::max());
     m_parser->skip(m_method == "HEAD");
-    m_inputBegin = m_inputEnd = 0;
+    m_inputBegin = m_inputEnd = m_headBytes = 0;
     while (!m_parser->is_header_done()) {
         const auto parsed = parseMore();
         if (!parsed)

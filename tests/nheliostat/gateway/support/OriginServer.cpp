@@ -12,6 +12,7 @@ namespace http = boost::beast::http;
 std::optional<OriginConnection::Request> OriginConnection::readRequest()
 {
     http::request_parser<http::string_body> parser;
+    parser.header_limit(64 * 1024);
     parser.body_limit(64 * 1024 * 1024);
     boost::system::error_code error;
     http::read(m_stream, m_input, parser, error);
