@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "support/ProcessMemory.h"
 #include "support/RunningServer.h"
 
 namespace documents {
@@ -118,6 +119,49 @@ TEST_F(HttpConnectionTest, aBodyTooLargeIsRefusedWhileItIsStillBeingSent)
     const Response reply = client.receive();
     EXPECT_EQ(reply.result_int(), 413U);
     EXPECT_THAT(reply.body(), HasSubstr("\"result\":\"TooLarge\""));
+}
+
+TEST_F(HttpConnectionTest, requestsWithoutEndAreNotKept)
+{
+    const std::string chunked = "POST /api/v3/office/files HTTP/1.1\r\nCookie: vlt_sid=anna\r\n"
+                                "Transfer-Encoding: chunked\r\n\r\n";
+    const std::string fields = "X: x\r\nX: x\r\nX: x\r\nX: x\r\nX: x\r\nX: x\r\nX: x\r\nX: x\r\n";
+    const struct
+    {
+        const char* name;
+        std::string begin;
+        std::string piece;
+        unsigned status;
+    } cases[] = {
+        {"field", "GET / HTTP/1.1\r\nX: ", std::string(65536, 'x'), 431},
+        {"fields", "GET / HTTP/1.1\r\n", fields, 431},
+        {"extension", chunked + "1;", std::string(65536, 'x'), 400},
+        {"trailer", chunked + "0\r\nT: ", std::string(65536, 'x'), 400},
+        {"trailers", chunked + "0\r\n", fields, 400},
+    };
+    constexpr std::size_t flood = 64 * 1024 * 1024;
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.name);
+        HttpClient measured = connect();
+        measured.send(entry.begin);
+        for (std::size_t sent = 0; sent < 160 * 1024; sent += entry.piece.size())
+            measured.send(entry.piece);
+        EXPECT_EQ(measured.receive().result_int(), entry.status);
+
+        const std::size_t before = residentBytes();
+        HttpClient endless = connect();
+        const auto send = [&] {
+            endless.send(entry.begin);
+            for (std::size_t sent = 0; sent < flood; sent += entry.piece.size())
+                endless.send(entry.piece);
+        };
+        try {
+            send();
+        } catch (const boost::system::system_error&) {
+            // It is told the end before it comes to its own.
+        }
+        EXPECT_LT(residentBytes(), before + flood / 4);
+    }
 }
 
 TEST_F(HttpConnectionTest, aClientThatAsksFirstIsToldToGoOn)

@@ -9,7 +9,7 @@ import unittest
 
 from e2e_case import BUILD, TEXT_DOCUMENT
 from local_packages import installed_packages, switches
-from package_case import PackageCase
+from package_case import PackageCase, service_process
 
 PREOPEN = "/api/v3/office/file/100001/preopen"
 ENV_CONFIG = "/office-config/100001"
@@ -29,19 +29,6 @@ SERVER_FAULTS = {
     "cut": {"cutAfter": 20},
     "reset": {"reset": True},
 }
-
-
-def service_process(data_dir):
-    """The cloud service process of a data directory; None when there is none."""
-    for number in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            with open("/proc/%s/cmdline" % number, "rb") as file:
-                arguments = file.read().decode(errors="replace").split("\0")
-        except OSError:
-            continue
-        if os.path.basename(arguments[0]) == "vltcloudsvr" and data_dir in arguments:
-            return int(number)
-    return None
 
 
 class FaultTest(PackageCase):

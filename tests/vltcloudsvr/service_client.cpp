@@ -4,6 +4,8 @@
 
 #include <gmock/gmock.h>
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -15,6 +17,7 @@
 #include <memory>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -161,6 +164,69 @@ TEST_F(ServiceClient, FailsWhatIsUnderWayWhenTheServiceDiesAndStartsItAgain)
     EXPECT_EQ(again.result.values.value(s("localId")), localId) << "the records are kept";
     EXPECT_NE(pidOf(dataDir), pid);
     EXPECT_EQ(starts.count(), 2);
+}
+
+TEST_F(ServiceClient, KeepsWhatItHasAnsweredWhenItIsKilledInWriting)
+{
+    const auto shell = client(dataDir);
+    const QString localId = create(*shell).result.values.value(s("localId"));
+    const QString filler(200'000, QLatin1Char('w'));
+    int written = 0;
+    int answered = 0;
+    for (int round = 0; round < 8; ++round) {
+        const pid_t pid = pidOf(dataDir);
+        ASSERT_GT(pid, 0);
+        bool hasFailed = false;
+        for (int i = 0; i < 30; ++i) {
+            const QString data = s(R"({"n": %1, "filler": "%2"})").arg(++written).arg(filler);
+            shell->call(caller(), names::updateDOPFileInfo, {{s("localId"), localId}, {s("data"), data}},
+                        [&, n = written](bool success, const CallResult&) {
+                            hasFailed = hasFailed || !success;
+                            answered = success ? n : answered;
+                        });
+        }
+        const int killAfter = answered + 1 + round % 4;
+        waitFor([&] { return answered >= killAfter; });
+        end(dataDir, SIGKILL);
+        waitFor([&] { return hasFailed; });
+        // Those that waited behind the failed one go to the next service.
+        const Answered found = call(*shell, names::getDOPFileInfo, {{s("localId"), localId}});
+        ASSERT_TRUE(found.success);
+        ASSERT_EQ(found.result.code, ResultCode::Ok);
+        const QJsonObject kept =
+            QJsonDocument::fromJson(found.result.values.value(s("data")).toUtf8()).object();
+        EXPECT_GE(kept.value(s("n")).toInt(), answered) << "round " << round;
+        EXPECT_EQ(kept.value(s("filler")).toString(), filler);
+    }
+}
+
+TEST_F(ServiceClient, LeavesTheServiceNothingOfItsOwnFiles)
+{
+    // Open in the client without a word about child processes, as libraries leave them.
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    const auto shell = client(dataDir);
+    EXPECT_TRUE(create(*shell).success);
+    const QString directoryOfFiles = s("/proc/%1/fd").arg(pidOf(dataDir));
+    const QStringList files = QDir(directoryOfFiles).entryList(QDir::AllEntries | QDir::System);
+    EXPECT_GT(files.size(), 5);
+    QByteArray pipe(64, '\0');
+    const QByteArray own = "/proc/self/fd/" + QByteArray::number(ends[1]);
+    pipe.resize(int(::readlink(own.constData(), pipe.data(), size_t(pipe.size()))));
+    for (const QString& file : files) {
+        QByteArray target(4096, '\0');
+        const QByteArray link = QFile::encodeName(directoryOfFiles + QLatin1Char('/') + file);
+        target.resize(int(qMax<ssize_t>(0, ::readlink(link.constData(), target.data(), 4096))));
+        EXPECT_NE(target, pipe) << qPrintable(file);
+        if (file == s("0") || file == s("1") || file == s("2")) {
+            EXPECT_EQ(target, "/dev/null") << qPrintable(file);
+        }
+    }
+    // The pipe ends with this process's own copy of it.
+    ::close(ends[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(ends[0], &byte, 1), 0);
+    ::close(ends[0]);
 }
 
 TEST_F(ServiceClient, FailsAllCallsWhenTheServiceCannotBeStarted)

@@ -368,7 +368,8 @@ class Shell:
     def _clean_up(self):
         if getattr(self, "_process", None):
             self._reader.join(5)
-            if not self._reader.is_alive():  # a process that outlives the shell may still hold its output
+            self.output_has_ended = not self._reader.is_alive()  # else a process that outlives the shell holds it
+            if self.output_has_ended:
                 self._process.process.stdout.close()
         if self._display:
             self._display.stop()
