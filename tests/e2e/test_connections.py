@@ -142,8 +142,10 @@ class ConnectionsTest(PackageCase):
 
     def wait_until_quiet(self, shell):
         """Waits until the gateway has ended every connection that nothing is under way on."""
+        port = self.listening_port(shell)
         deadline = time.monotonic() + 30
-        while open_ones := [each for each in self.gateway_sockets(shell).values() if each.state == ESTABLISHED]:
+        while open_ones := [each for each in self.gateway_sockets(shell).values()
+                            if each.local == port and each.state == ESTABLISHED]:
             self.assertLess(time.monotonic(), deadline, open_ones)
             time.sleep(0.1)
 

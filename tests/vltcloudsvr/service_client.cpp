@@ -173,7 +173,7 @@ TEST_F(ServiceClient, KeepsWhatItHasAnsweredWhenItIsKilledInWriting)
     const QString filler(200'000, QLatin1Char('w'));
     int written = 0;
     int answered = 0;
-    for (int round = 0; round < 8; ++round) {
+    for (int round = 0; round < 5; ++round) {
         const pid_t pid = pidOf(dataDir);
         ASSERT_GT(pid, 0);
         bool hasFailed = false;
