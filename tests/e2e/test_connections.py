@@ -76,6 +76,12 @@ class ConnectionsTest(PackageCase):
             time.sleep(0.05)
         return process
 
+    def restart_service(self, shell, service):
+        """Has the service started again while the browser's connections are open. Returns the new process."""
+        os.kill(service, signal.SIGKILL)
+        self.open_text(shell, TABLE_DOCUMENT)
+        return self.service_of(shell)
+
     def listening_port(self, shell):
         sockets = tcp_sockets()
         ports = {sockets[target].local for target in descriptors(shell.pid).values()
@@ -93,10 +99,7 @@ class ConnectionsTest(PackageCase):
 
     def test_child_processes_hold_nothing_of_the_shell(self):
         shell, _, service = self.start()
-        os.kill(service, signal.SIGKILL)
-        self.open_text(shell, TABLE_DOCUMENT)  # starts it again, with many connections open
-        service = self.service_of(shell)
-
+        service = self.restart_service(shell, service)
         own = descriptors(shell.pid)
         gateway = self.gateway_sockets(shell)
         self.assertGreater(len(gateway), 2, "the port, browser's connections and the server's")
@@ -128,7 +131,8 @@ class ConnectionsTest(PackageCase):
         self.assertFalse([each for each in tcp_sockets().values() if each.local == port and each.state == LISTENING])
 
     def test_documents_and_tabs_open_after_a_quiet_time(self):
-        shell, page, _ = self.start(idleMs=1000, farewellMs=300, serverIdleMs=1000)
+        shell, page, service = self.start(idleMs=1000, farewellMs=300, serverIdleMs=1000)
+        self.restart_service(shell, service)
         for path in (TABLE_DOCUMENT, TEXT_DOCUMENT):
             self.wait_until_quiet(shell)
             began = time.monotonic()
