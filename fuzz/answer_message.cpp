@@ -43,7 +43,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 scanner.restart();
             }
             boost::system::error_code error;
-            const std::size_t taken = parser->put(boost::asio::buffer(input), error);
+            const std::size_t taken = hadHead ? parseBody(*parser, boost::asio::buffer(input), error)
+                                              : parser->put(boost::asio::buffer(input), error);
             input.erase(0, taken);
             if (error && (error != boost::beast::http::error::need_more || !hadHead))
                 return 0;

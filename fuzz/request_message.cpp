@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                     link.parser->collectBody(&body);
                 }
             } else if (!link.parser->is_done()) {
-                link.input.consume(link.parser->put(link.input.data(), error));
+                link.input.consume(parseBody(*link.parser, link.input.data(), error));
             }
             if (hasHead && link.parser->is_done()) { // the next request
                 link.startRequest();

@@ -219,7 +219,8 @@ Forwarder::Step Forwarder::parseResponse()
         m_headSince.reset();
     }
     boost::system::error_code error;
-    const std::size_t consumed = m_parser->put(m_input.data(), error);
+    const std::size_t consumed =
+        hadHead ? parseBody(*m_parser, m_input.data(), error) : m_parser->put(m_input.data(), error);
     m_input.consume(consumed);
     if (error == http::error::need_more && hadHead) {
         if (consumed > 0)

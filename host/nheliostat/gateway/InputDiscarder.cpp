@@ -17,7 +17,8 @@ InputDiscarder::Result InputDiscarder::discardBody(ClientLink& link)
     link.parser->collectBody(nullptr);
     while (!link.parser->is_done()) {
         boost::system::error_code error;
-        const std::size_t consumed = link.input.size() > 0 ? link.parser->put(link.input.data(), error) : 0;
+        const std::size_t consumed =
+            link.input.size() > 0 ? parseBody(*link.parser, link.input.data(), error) : 0;
         link.input.consume(consumed);
         m_dropped += consumed;
         const bool overlong = consumed == 0 && link.input.size() > GatewayLimits::chunkHeadBytes;

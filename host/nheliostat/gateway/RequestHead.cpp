@@ -107,6 +107,7 @@ std::size_t RequestParser::on_body_impl(string_view body, error_code&)
 
 std::size_t RequestParser::on_chunk_body_impl(std::uint64_t, string_view body, error_code& error)
 {
+    m_chunkLeft -= body.size();
     return on_body_impl(body, error);
 }
 

@@ -124,7 +124,7 @@ RequestSender::Step RequestSender::readBody()
 /** True when something was added for the server. */
 bool RequestSender::parseBody(boost::system::error_code& error)
 {
-    m_link.input.consume(m_link.parser->put(m_link.input.data(), error));
+    m_link.input.consume(gateway::parseBody(*m_link.parser, m_link.input.data(), error));
     const bool moved = !m_bodyPiece.empty();
     if (m_framing == BodyFraming::Chunked)
         appendChunk(m_bytes, m_bodyPiece);

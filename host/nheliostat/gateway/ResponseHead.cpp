@@ -2,6 +2,8 @@
 
 #include "gateway/GatewayLimits.h"
 
+#include <boost/beast/http/error.hpp>
+
 #include <limits>
 
 namespace gateway {
@@ -24,8 +26,10 @@ ResponseParser::ResponseParser(ResponseHead& head, std::string& body, bool bodil
     skip(bodiless);
 }
 
-void ResponseParser::on_response_impl(int status, string_view reason, int version, error_code&)
+void ResponseParser::on_response_impl(int status, string_view reason, int version, error_code& error)
 {
+    if (status < 100) // no browser would take it
+        error = http::error::bad_status;
     m_head.status = status;
     m_head.reason = m_head.store({reason.data(), reason.size()});
     m_head.version = static_cast<unsigned>(version);
@@ -52,6 +56,7 @@ std::size_t ResponseParser::on_body_impl(string_view body, error_code&)
 
 std::size_t ResponseParser::on_chunk_body_impl(std::uint64_t, string_view body, error_code& error)
 {
+    m_chunkLeft -= body.size();
     return on_body_impl(body, error);
 }
 

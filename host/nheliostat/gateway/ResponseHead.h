@@ -19,6 +19,8 @@ class ResponseParser : public boost::beast::http::basic_parser<false>
 public:
     /** `bodiless`: the response to a HEAD request, which announces a body that never comes. */
     ResponseParser(ResponseHead& head, std::string& body, bool bodiless);
+    /** The head of a chunk is what comes next. */
+    bool isAtChunkHead() const { return m_headDone && chunked() && m_chunkLeft == 0; }
 
 private:
     using string_view = boost::beast::string_view;
@@ -31,13 +33,14 @@ private:
     void on_header_impl(error_code& error) override;
     void on_body_init_impl(const boost::optional<std::uint64_t>&, error_code&) override {}
     std::size_t on_body_impl(string_view body, error_code& error) override;
-    void on_chunk_header_impl(std::uint64_t, string_view, error_code&) override {}
+    void on_chunk_header_impl(std::uint64_t size, string_view, error_code&) override { m_chunkLeft = size; }
     std::size_t on_chunk_body_impl(std::uint64_t remain, string_view body, error_code& error) override;
     void on_finish_impl(error_code&) override {}
 
     ResponseHead& m_head;
     std::string& m_body;
     bool m_headDone = false;
+    std::uint64_t m_chunkLeft = 0; //!< of the chunk under way, bytes
 };
 
 } // namespace gateway

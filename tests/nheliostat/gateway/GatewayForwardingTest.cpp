@@ -183,12 +183,15 @@ TEST(GatewayForwarding, FailuresSayWhatFailed)
         const auto request = connection.readRequest();
         if (request && request->target() == "/rubbish")
             connection.write("rubbish\r\n\r\n");
+        if (request && request->target() == "/status")
+            connection.write("HTTP/1.1 020 OK\r\nContent-Length: 0\r\n\r\n");
     });
     const std::tuple<std::string, std::string> cases[] = {
         {"http://nobody.example.test/", "nobody.example.test:80: Connection refused"},
         {"http://broken.example.test/", "not \"address:port\""},
         {"http://origin.example.test/", "the server closed the connection"},
         {"http://origin.example.test/rubbish", "not HTTP"},
+        {"http://origin.example.test/status", "not HTTP"},
         {"https://origin.example.test/", "TLS handshake failed"},
     };
     ProxyClient browser = forwarding.client();

@@ -60,11 +60,14 @@ constexpr std::size_t muchMemory = 32 * 1024 * 1024;
 
 } // namespace
 
-TEST(GatewayLimits, HeadsArriveInAnyPieces)
+TEST(GatewayLimits, MessagesArriveInAnyPieces)
 {
     Limited limited([](OriginConnection& connection) {
-        while (connection.readRequest()) {
-            for (const char byte : okText("in pieces"))
+        while (const auto request = connection.readRequest()) {
+            const std::string chunked =
+                "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9;x\r\nin pieces\r\n"
+                "0\r\n\r\n";
+            for (const char byte : request->body() == "a body" ? chunked : okText("in pieces"))
                 connection.write(std::string(1, byte));
         }
     });
@@ -73,6 +76,10 @@ TEST(GatewayLimits, HeadsArriveInAnyPieces)
     const std::string request = "GET " + url + " HTTP/1.1\r\n" + browser.authorization() + cookie + "\r\n";
     for (std::size_t at = 0; at < request.size(); at += at < 300 ? 1 : 7'000)
         browser.stream().write(request.substr(at, at < 300 ? 1 : 7'000));
+    EXPECT_EQ(browser.receive().body(), "in pieces");
+    browser.send("PUT", url, "Transfer-Encoding: chunked\r\n");
+    for (const char byte : std::string("2\r\na \r\n4\r\nbody\r\n0\r\nT: t\r\n\r\n"))
+        browser.stream().write(std::string(1, byte));
     EXPECT_EQ(browser.receive().body(), "in pieces");
     EXPECT_EQ(browser.get(url).body(), "in pieces");
 }
