@@ -126,11 +126,11 @@ void NDOPResourceManager::registerRequestHandler(const QString& kind, const QStr
     const QString requestKey = keyOf(kind, fileId, officeType, connId);
     if (requestKey.isEmpty())
         return;
-    browser->addLocalResourceCache({{urlOf(kind, fileId, officeType),
-                                     [manager = weak_from_this(), requestKey, kind, connId](
-                                         const Callback& callback) {
-                                         return handleReply(manager, requestKey, kind, connId, callback);
-                                     }}});
+    browser->addLocalResourceCache(
+        {{urlOf(kind, fileId, officeType),
+          [manager = weak_from_this(), requestKey, kind, connId](const Callback& callback) {
+              return handleReply(manager, requestKey, kind, connId, callback);
+          }}});
 }
 
 void NDOPResourceManager::unregisterRequestHandler(const QString& kind, const QString& fileId,

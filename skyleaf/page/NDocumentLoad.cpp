@@ -412,8 +412,7 @@ bool NDocumentLoad::checkTakeOver()
 {
     NTakeOver& takeOver = m_host.loadTakeOver();
     const bool wasUsed = takeOver.isUsed();
-    const bool isUsed =
-        takeOver.check(container(), {m_url, m_fileId, m_officeType, m_traceId, QString()});
+    const bool isUsed = takeOver.check(container(), {m_url, m_fileId, m_officeType, m_traceId, QString()});
     if (isUsed && !wasUsed)
         _waitStartedPreRequest();
     return isUsed;

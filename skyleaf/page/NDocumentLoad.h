@@ -87,7 +87,8 @@ public:
     void setReloadUrl(const QString& url) { m_reloadUrl = url; }
 
     // What it is for. Each may begin requests.
-    /** Whether a URL that the page is told is this load's: the same as before, or its document not shown yet. */
+    /** Whether a URL that the page is told is this load's: the same as before, or its document not shown yet.
+     */
     bool takes(const QString& url) const;
     void take(const QString& url);
     /** The document that is about to be opened, with its URL as it stands. */

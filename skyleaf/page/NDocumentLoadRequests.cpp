@@ -148,8 +148,8 @@ void NDocumentLoad::ensureRequestTask()
     m_task = std::make_unique<NCloudDocsRequestTask>(this);
     connect(m_task.get(), &NCloudDocsRequestTask::requestTaskFinished, this,
             &NDocumentLoad::onRequestTaskFinished);
-    connect(m_task.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this,
-            &NDocumentLoad::cookiesCame, Qt::QueuedConnection);
+    connect(m_task.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this, &NDocumentLoad::cookiesCame,
+            Qt::QueuedConnection);
 }
 
 void NDocumentLoad::onVcsResponseTimeout()

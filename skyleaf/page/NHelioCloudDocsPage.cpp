@@ -260,7 +260,8 @@ void NHelioCloudDocsPage::load()
 void NHelioCloudDocsPage::comeBack()
 {
     m_telemetry.postMemoryRelease(QStringLiteral("restart"), *m_load);
-    m_takeOver.end();
+    if (m_load->state() != LoadState::Resting) // told something else meanwhile
+        return;
     replaceLoad(LoadReason::Return, [this](NDocumentLoad& load, const NDocumentLoad& earlier) {
         load.comeBack(earlier, m_telemetry.loadStartMs());
     });

@@ -3,8 +3,8 @@
 #include "nheliostat/NHelioBrowserPageRoot.h"
 #include "offline/IPreloadedReplies.h"
 #include "offline/IStorageTransferHost.h"
-#include "page/NHelioQuillHyperlinkPageFactory.h"
 #include "page/NDocumentLoad.h"
+#include "page/NHelioQuillHyperlinkPageFactory.h"
 #include "page/NOpenTelemetry.h"
 #include "page/NPageCookies.h"
 #include "page/NTakeOver.h"
@@ -41,8 +41,8 @@ struct EndDocumentLoad
  *
  * The shell constructs it, asks it for its sub page, notifies it with what to show, and loads it; later it
  * may release the inactive page and load it again. What it shows is its load (NDocumentLoad), which every new
- * thing to show replaces. User-interface thread. Owned by the central area; owns its bridge's life only through
- * the browser widget, which is its child.
+ * thing to show replaces. User-interface thread. Owned by the central area; owns its bridge's life only
+ * through the browser widget, which is its child.
  */
 class NHelioCloudDocsPage : public NHelioBrowserPageRoot,
                             public IStorageTransferHost,
@@ -160,7 +160,7 @@ private:
 
     // Life cycle.
     enum class Stage {
-        Made,        //!< never asked to load
+        Made,         //!< never asked to load
         AwaitBrowser, //!< to be loaded as soon as the browser exists
         Loaded,
         Released,

@@ -278,9 +278,8 @@ void NHelioCloudDocsPage::onAddressChange(const QString& url)
     if (!m_browser || !m_jsObj)
         return;
     if (m_load->isLeftFor(url)) {
-        replaceLoad(LoadReason::Navigation, [&url](NDocumentLoad& load, const NDocumentLoad& earlier) {
-            load.adopt(url, earlier);
-        });
+        replaceLoad(LoadReason::Navigation,
+                    [&url](NDocumentLoad& load, const NDocumentLoad& earlier) { load.adopt(url, earlier); });
         return;
     }
     const QString host = QUrl(url).host();
@@ -328,8 +327,7 @@ void NHelioCloudDocsPage::reload(LoadReason reason, const QString& reasonText, c
             m_load->showInstead(fallback);
         return;
     }
-    replaceLoad(reason,
-                [](NDocumentLoad& load, const NDocumentLoad& earlier) { load.repeat(earlier); });
+    replaceLoad(reason, [](NDocumentLoad& load, const NDocumentLoad& earlier) { load.repeat(earlier); });
     m_load->showAt(address);
 }
 
@@ -345,8 +343,7 @@ void NHelioCloudDocsPage::onReload()
 
 void NHelioCloudDocsPage::onCefProcessAbort()
 {
-    reload(LoadReason::Crash, QStringLiteral("cefProcessAbort"),
-           errorPage(QStringLiteral("error-cefabort")));
+    reload(LoadReason::Crash, QStringLiteral("cefProcessAbort"), errorPage(QStringLiteral("error-cefabort")));
 }
 
 void NHelioCloudDocsPage::onLoginStatusChanged()

@@ -138,9 +138,9 @@ QString NHelioCloudDocsPage::commandUrlOf(const QString& text) const
     const bool intranet = nrt::kcmc::support(QStringLiteral("IntranetVersion"));
     const QString origin =
         ndomains::url(intranet ? QStringLiteral("drive") : QStringLiteral("quill_api_spec"));
-    return docsurl::commandUrl(text, {origin, nrt::product::applicationVersion(),
-                                      nrt::product::applicationName(), nrt::product::distributionChannel(),
-                                      nclock::nowMs()});
+    return docsurl::commandUrl(text,
+                               {origin, nrt::product::applicationVersion(), nrt::product::applicationName(),
+                                nrt::product::distributionChannel(), nclock::nowMs()});
 }
 
 bool NHelioCloudDocsPage::openFiles(const QStringList& args, const QStringList& names,

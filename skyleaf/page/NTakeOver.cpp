@@ -67,9 +67,9 @@ void NTakeOver::run(NxWebViewContainer& container, const NTakeOverDocument& docu
                       {QStringLiteral("traceid"), document.traceId},
                       {QStringLiteral("reportver"), QStringLiteral("1.0")}});
     const QVariant injectList = container.property(ncefpreload::injectArrayProperty);
-    container.executeScript(takeoverscript::script(
-        takeoverscript::relativeUrl(document.url),
-        NDOPResourceManager::instance()->injectScriptFor(document.injectId, document.officeType, injectList)));
+    container.executeScript(takeoverscript::script(takeoverscript::relativeUrl(document.url),
+                                                   NDOPResourceManager::instance()->injectScriptFor(
+                                                       document.injectId, document.officeType, injectList)));
 }
 
 void NTakeOver::end()

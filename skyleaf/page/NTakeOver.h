@@ -16,8 +16,8 @@ struct NTakeOverDocument
 };
 
 /**
- * A browser that was prepared in advance, and the front end that may already run in it. Such a front end opens
- * one document, so that only the first load of a page can be given to it.
+ * A browser that was prepared in advance, and the front end that may already run in it. Such a front end
+ * opens one document, so that only the first load of a page can be given to it.
  */
 class NTakeOver
 {

@@ -25,8 +25,8 @@ struct NDOPProxyInfo
 
 /**
  * Decides for one page whether its front end comes from a local package, and has the browser's requests
- * answered from it. Every step of the decision is reported, after it took effect; a refusal leaves the page to
- * the server. What was installed for an earlier load is taken out before the decision for the next one.
+ * answered from it. Every step of the decision is reported, after it took effect; a refusal leaves the page
+ * to the server. What was installed for an earlier load is taken out before the decision for the next one.
  * User-interface thread.
  */
 class NCloudDocsPageProxyManager : public QObject

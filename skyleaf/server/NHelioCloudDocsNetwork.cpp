@@ -219,7 +219,8 @@ void NHelioCloudDocsNetwork::abandon()
 /** What was sent before there was a run, as the version check may be, is of every run of its file. */
 bool NHelioCloudDocsNetwork::isOfPresentRun(const QString& fileId, const QString& connId) const
 {
-    return !m_isAbandoned && (m_fileId.isEmpty() || m_fileId == fileId) && (connId.isEmpty() || m_connId == connId);
+    return !m_isAbandoned && (m_fileId.isEmpty() || m_fileId == fileId) &&
+           (connId.isEmpty() || m_connId == connId);
 }
 
 INetworkManager::Completion NHelioCloudDocsNetwork::completionOf(const QString& replyName,

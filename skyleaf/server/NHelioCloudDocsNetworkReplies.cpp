@@ -78,10 +78,9 @@ void NHelioCloudDocsNetwork::takeFileReply(const INetworkReply& reply, const QSt
     if (replyName == docsrequests::openFile)
         m_openFileResponseHeaders = data.headers;
     if (data.status != statusOk) {
-        ndocslog::info(QStringLiteral("replyName: %1, request error HTTPStatusCode: %2")
-                           .arg(replyName)
-                           .arg(data.status),
-                       "NHelioCloudDocsNetwork::onRequestFinished");
+        ndocslog::info(
+            QStringLiteral("replyName: %1, request error HTTPStatusCode: %2").arg(replyName).arg(data.status),
+            "NHelioCloudDocsNetwork::onRequestFinished");
     }
     if (const auto manager = NDOPResourceManager::instance())
         manager->setResponseData(replyName, m_fileId, m_officeType, m_connId, data);

@@ -14,9 +14,10 @@ class QJsonObject;
 
 /**
  * A browser widget without Chromium. Records what it is asked in the public members below; everything that a
- * browser would do by itself happens only in the `deliver…` calls, but for its start, which it announces as the
- * contract says: `browserCreated` a turn of the event loop after the web view was made, and only then does it
- * load. The view's own signals come inside `initWebView` or, with `announcesLater`, in later turns too.
+ * browser would do by itself happens only in the `deliver…` calls, but for its start, which it announces as
+ * the contract says: `browserCreated` a turn of the event loop after the web view was made, and only then
+ * does it load. The view's own signals come inside `initWebView` or, with `announcesLater`, in later turns
+ * too.
  */
 class FakeBrowserWidget final : public NHelioBrowserWidgetBase
 {
@@ -65,6 +66,8 @@ public:
     Q_INVOKABLE void onShowWebLoadingWidget(const QString& fileName) { loadingWidgetFiles.append(fileName); }
     Q_INVOKABLE void injectLoadingWidgetFlag() { ++loadingWidgetFlags; }
 
+    /** Whether it was announced, and loads. */
+    bool isCreated() const { return m_isCreated; }
     FakeWebViewContainer* container() const { return m_container; }
     /** The object that answered creatingApi for the present web view; null for none. */
     QObject* scriptObject() const { return m_scriptObject; }
