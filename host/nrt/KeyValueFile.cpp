@@ -8,9 +8,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSaveFile>
 
 #include "nrt/FileLock.h"
+#include "nrt/files.h"
 
 namespace nrt {
 namespace {
@@ -19,6 +19,7 @@ Q_LOGGING_CATEGORY(lcKcc, "nrt.kcc")
 
 constexpr int lockTimeoutMs = 5000;
 constexpr int checksumSize = 32;
+constexpr qint64 largestStore = 64LL << 20; //!< bytes
 
 QByteArray fileMark()
 {
@@ -36,13 +37,13 @@ QByteArray checksumOf(const QByteArray& bytes)
     return bytes.mid(fileMark().size(), checksumSize);
 }
 
-void setAside(const QString& path)
+bool setAside(const QString& path, const QString& reason)
 {
-    const QString aside = path + QStringLiteral(".corrupt");
-    QFile::remove(aside);
-    qCWarning(lcKcc, "key-value store %s is damaged; %s %s", qUtf8Printable(path),
-              QFile::rename(path, aside) ? "set aside as" : "could not be set aside as",
+    const QString aside = files::setAside(path);
+    qCWarning(lcKcc, "key-value store %s is damaged (%s); %s %s", qUtf8Printable(path),
+              qUtf8Printable(reason), aside.isEmpty() ? "it could not be set aside" : "set aside as",
               qUtf8Printable(aside));
+    return !aside.isEmpty();
 }
 
 template <typename Container>
@@ -164,21 +165,21 @@ bool KeyValueFile::mergeFile()
     const FileIdentity present = FileIdentity::of(m_path);
     if (present.isKnown() && present == m_seen)
         return true;
-    QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (!file.exists())
-            return true;
+    const files::Reading file = files::read(m_path, largestStore);
+    if (file.fault == files::Fault::Missing)
+        return true;
+    if (file.fault == files::Fault::Unreadable) {
         qCWarning(lcKcc, "key-value store %s cannot be read: %s", qUtf8Printable(m_path),
-                  qUtf8Printable(file.errorString()));
+                  qUtf8Printable(file.reason));
         return false;
     }
-    const QByteArray bytes = file.readAll();
-    if (auto stored = decodeKeyValues(bytes)) {
+    if (auto stored = file ? decodeKeyValues(file.bytes) : std::nullopt) {
         m_values = *std::move(stored);
         m_seen = present;
-        m_seenSum = checksumOf(bytes);
+        m_seenSum = checksumOf(file.bytes);
     } else {
-        setAside(m_path);
+        if (!setAside(m_path, file ? QStringLiteral("its checksum is wrong") : file.reason))
+            return false;
         m_seen = {};
         m_seenSum.clear();
     }
@@ -198,12 +199,17 @@ bool KeyValueFile::writeMerged()
     if (!mergeFile())
         return false;
     const QByteArray bytes = encodeKeyValues(m_values);
+    if (bytes.size() > largestStore) {
+        qCWarning(lcKcc, "key-value store %s would be too large; the value stays in memory",
+                  qUtf8Printable(m_path));
+        return false;
+    }
     if (checksumOf(bytes) != m_seenSum ||
         !QFile::exists(m_path)) { // a value written again as it is costs no disk write
-        QSaveFile file(m_path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        const QString failure = files::replace(m_path, bytes);
+        if (!failure.isEmpty()) {
             qCWarning(lcKcc, "key-value store %s not written: %s", qUtf8Printable(m_path),
-                      qUtf8Printable(file.errorString()));
+                      qUtf8Printable(failure));
             return false;
         }
         m_seen = FileIdentity::of(m_path);

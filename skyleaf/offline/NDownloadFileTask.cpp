@@ -2,6 +2,7 @@
 
 #include "base/NClock.h"
 #include "nrt/dirs.h"
+#include "nrt/files.h"
 
 #include <QFile>
 #include <QMutex>
@@ -119,8 +120,9 @@ void NDownloadFileTask::run()
 {
     if (!m_source)
         return;
-    QFile file(m_path);
-    if (nrt::dirs::inBlackDownloadDir(m_path) || !file.open(QIODevice::WriteOnly)) {
+    QFile file;
+    if (nrt::dirs::inBlackDownloadDir(m_path) ||
+        !nrt::files::open(file, m_path, QIODevice::WriteOnly | QIODevice::Truncate).isEmpty()) {
         Q_EMIT requestFinished(false);
         return;
     }

@@ -25,13 +25,18 @@ struct QuickAccessEntry
  * for another command, without a file id, or with a broken name.
  */
 std::optional<QuickAccessEntry> readPinCommand(const QString& command);
+/**
+ * The entries of the list's file; those that make no sense, come again or are too many are left out. Nothing
+ * for what is no such list. `complaint` is set when something is to be said about it.
+ */
+std::optional<QVector<QuickAccessEntry>> readQuickAccess(const QByteArray& text, QString& complaint);
 /** Whether it is such a command, well made or not. */
 bool isPinCommand(const QString& command);
 
 /**
  * The documents that the user pinned, in the order of pinning, in a file that other shells of the same data
- * directory may change too. A damaged file is set aside ("*.corrupt") and the list starts empty; entries that
- * make no sense are left out. User-interface thread.
+ * directory may change too; 200 at most. A damaged file is set aside ("*.corrupt") and the list starts empty;
+ * entries that make no sense are left out. User-interface thread.
  */
 class QuickAccessList final : public QObject
 {
@@ -54,9 +59,11 @@ Q_SIGNALS:
 private:
     template <typename Change>
     bool change(Change change);
-    QVector<QuickAccessEntry> read() const;
+    QVector<QuickAccessEntry> read();
     void write() const;
 
     const QString m_path;
+    bool m_isWritable = true; //!< false while something that is no list cannot be taken out of its place
+    QString m_complaint;      //!< the last one, logged once
     QVector<QuickAccessEntry> m_entries;
 };

@@ -67,7 +67,8 @@ struct HostFile
     /** The origins ("https://docs.example.test") of the documents and drive sites; their documents get the
      * script object. */
     QStringList scriptOrigins() const;
-    /** The hosts of the domains that are https: the shell answers requests to them itself where it can. */
+    /** The hosts of the domains that are https, 200 at most, those of the suite first: the shell answers
+     * requests to them itself where it can. */
     QStringList interceptedHosts() const;
 };
 
