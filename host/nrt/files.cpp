@@ -151,6 +151,9 @@ QString replace(const QString& path, const QByteArray& bytes)
 QString setAside(const QString& path)
 {
     constexpr int tries = 9;
+    struct stat status = {};
+    if (::lstat(QFile::encodeName(path).constData(), &status) != 0 || S_ISDIR(status.st_mode))
+        return {};
     for (int number = 1; number <= tries; ++number) {
         const QString aside =
             path + (number == 1 ? QStringLiteral(".corrupt") : QStringLiteral(".corrupt-%1").arg(number));

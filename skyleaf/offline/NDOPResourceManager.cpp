@@ -5,7 +5,6 @@
 #include "base/NReadOnce.h"
 #include "offline/DeleteOnOwnThread.h"
 #include "offline/NDOPLocalResourceDataPreloader.h"
-#include "offline/PackageFiles.h"
 #include "offline/ResourceRequests.h"
 #include "proxy/NCloudDocsRecordManager.h"
 #include "proxy/NConfigCentreValues.h"
@@ -196,8 +195,7 @@ void NDOPResourceManager::readDOPPreloadedJsData(
     QByteArray body;
     if (!npackagefiles::hasParentStep(url)) {
         QString path = url;
-        body = readPreloadedOrDisk(localPrefix, path.replace(urlPrefix, localPrefix),
-                                   npackagefiles::largestScript);
+        body = readPreloadedOrDisk(localPrefix, path.replace(urlPrefix, localPrefix));
     }
     callback->complete(bodyAnswer(body));
 }

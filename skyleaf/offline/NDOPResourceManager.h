@@ -2,6 +2,7 @@
 
 #include "offline/NDOPInjectHtml.h"
 #include "offline/NDOPResponseData.h"
+#include "offline/PackageFiles.h"
 #include "zeolite/IWebViewResourceProviderCallback.h"
 
 #include <QMap>
@@ -78,7 +79,8 @@ public:
      * The bytes of a file below `directory` from memory, else from the disk and kept; none for one of more
      * than `largest`. Any thread.
      */
-    QByteArray readPreloadedOrDisk(const QString& directory, const QString& path, qint64 largest) const;
+    QByteArray readPreloadedOrDisk(const QString& directory, const QString& path,
+                                   qint64 largest = npackagefiles::largestScript) const;
 
 Q_SIGNALS:
     void startPreloadLocalResource(const QString& packageRoot, const QString& officeType);

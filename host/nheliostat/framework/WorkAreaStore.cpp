@@ -8,6 +8,7 @@
 #include <QRunnable>
 #include <QUuid>
 
+#include <cstdio>
 #include <utility>
 
 namespace {
@@ -155,8 +156,7 @@ void WorkAreaStore::readFile(const QString& path)
         return;
     if (!reading.complaints.isEmpty()) {
         const QString aside = QDir(m_directory).filePath(QStringLiteral("unreadable.corrupt"));
-        QFile::remove(aside);
-        QFile::rename(path, aside);
+        std::rename(QFile::encodeName(path).constData(), QFile::encodeName(aside).constData());
     }
     remove(path);
     m_abandoned.pop_back();

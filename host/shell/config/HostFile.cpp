@@ -4,7 +4,6 @@
 #include "shell/config/UserMembers.h"
 
 #include "nrt/files.h"
-#include "zeolite/NxLoggerLite.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -18,7 +17,6 @@ namespace shell {
 namespace {
 
 constexpr qint64 largestHostFile = 32LL << 20; //!< bytes
-constexpr int mostInterceptedHosts = 200;      //!< one certificate names them all
 
 const QStringList& siteKeys()
 {
@@ -215,15 +213,10 @@ QStringList HostFile::interceptedHosts() const
     QStringList hosts;
     for (const QString& text : qAsConst(urls)) {
         const QUrl url(text);
-        if (url.scheme() != QLatin1String("https") || hosts.contains(url.host()))
-            continue;
-        if (hosts.size() == mostInterceptedHosts) {
-            NxLoggerLite::writeWarning(
-                QStringLiteral("shell"),
-                QStringLiteral("host file: only %1 hosts are answered locally").arg(mostInterceptedHosts));
+        if (hosts.size() == mostInterceptedHosts)
             break;
-        }
-        hosts.append(url.host());
+        if (url.scheme() == QLatin1String("https") && !hosts.contains(url.host()))
+            hosts.append(url.host());
     }
     return hosts;
 }

@@ -40,8 +40,10 @@ QString open(QFile& file, const QString& path, QIODevice::OpenMode mode);
 /** Replaces or makes the file, as a whole, by a renamed one. Empty, or the reason why it is as it was. */
 QString replace(const QString& path, const QByteArray& bytes);
 
-/** Renames whatever is at `path` to "<path>.corrupt", or "<path>.corrupt-2" and so on where that does not
- * work. The new name, or an empty one. */
+/**
+ * Renames what is at `path` to "<path>.corrupt", or "<path>.corrupt-2" and so on where that does not work. The new
+ * name; empty when it is where it was, as a folder always is: it holds what nobody gave to us.
+ */
 QString setAside(const QString& path);
 
 } // namespace nrt::files
