@@ -224,8 +224,9 @@ TEST_F(ResourceManager, WhatCannotBeServedIsLeftToTheNetwork)
             const Callback answer = ask(QStringLiteral("/p/7?officeType=w"));
             ASSERT_TRUE(waitUntil([&] { return answer->answers() == 1; })) << odd.name;
             EXPECT_TRUE(answer->body().isEmpty()) << odd.name; // the gateway forwards the request
-            if (isPreloading)
+            if (isPreloading) {
                 EXPECT_TRUE(ask(QStringLiteral("/hybrid/weboffice-static/js/a.js"))->body().isEmpty());
+            }
             QDir(page).removeRecursively();
             QDir(script).removeRecursively();
         }

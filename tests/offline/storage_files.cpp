@@ -181,7 +181,7 @@ TEST_F(StorageFiles, NoPositionLeavesThePackage)
               0);
     for (const char* method : {"read", "readDataSteam", "update", "writeDataSteam"}) {
         ask(method, R"({"relativePos":"name","data":"b25l","append":true})");
-        EXPECT_EQ(callbacks(), fail) << method;
+        EXPECT_TRUE(callbacks().startsWith(R"(cb {"callstatus":"fail")")) << method;
     }
     EXPECT_EQ(ask("create", R"({"relativePos":"name","data":"b25l"})"), done)
         << "a file of its own takes the place";

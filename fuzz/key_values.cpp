@@ -1,0 +1,32 @@
+#include "check.h"
+
+#include "nrt/KeyValueFile.h"
+
+#include <QCryptographicHash>
+
+// The input as a store's file, and as the content of one whose checksum is right. What is read is written and
+// read again as it is.
+
+namespace {
+
+void readAndWrite(const QByteArray& file)
+{
+    const auto values = nrt::decodeKeyValues(file);
+    if (!values)
+        return;
+    for (const QVariant& value : *values)
+        check(nrt::isStorable(value));
+    const QByteArray again = nrt::encodeKeyValues(*values);
+    const auto same = nrt::decodeKeyValues(again);
+    check(same && nrt::encodeKeyValues(*same) == again);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QByteArray input = inputBytes(data, size);
+    readAndWrite(input);
+    readAndWrite("NKCC1\n" + QCryptographicHash::hash(input, QCryptographicHash::Sha256) + input);
+    return 0;
+}
