@@ -27,24 +27,23 @@ struct Line
 
 struct NamedLine
 {
-    QLatin1String name;
+    const char* name;
     Line line;
 };
 
 constexpr NamedLine namedLines[] = {
-    {QLatin1String("_LOCAL_INJECT_DATA_FILEINFO"),
-     {Value::FileInfo, "\nwindow.__INJECT__._LOCAL_INJECT_DATA_FILEINFO = "}},
-    {QLatin1String("_LOCAL_INJECT_DATA_OFFLINESWITCH"),
+    {"_LOCAL_INJECT_DATA_FILEINFO", {Value::FileInfo, "\nwindow.__INJECT__._LOCAL_INJECT_DATA_FILEINFO = "}},
+    {"_LOCAL_INJECT_DATA_OFFLINESWITCH",
      {Value::OfflineSwitch, "\nwindow.__INJECT__._LOCAL_INJECT_DATA_OFFLINESWITCH = "}},
-    {QLatin1String("_LOCAL_INJECT_DATA"),
+    {"_LOCAL_INJECT_DATA",
      {Value::Content, "\nwindow.__INJECT__._LOCAL_INJECT_DATA = {};"
                       "\nwindow.__INJECT__._LOCAL_INJECT_DATA.content = "}},
-    {QLatin1String("_LOCAL_INJECT_CACHE"), {Value::Cache, "\nwindow.__INJECT__._LOCAL_INJECT_CACHE = "}},
-    {QLatin1String("_LOCAL_INJECT_DATA_SSRCONTENT"),
+    {"_LOCAL_INJECT_CACHE", {Value::Cache, "\nwindow.__INJECT__._LOCAL_INJECT_CACHE = "}},
+    {"_LOCAL_INJECT_DATA_SSRCONTENT",
      {Value::SsrContent, "\nwindow.__INJECT__._LOCAL_INJECT_DATA_SSRCONTENT = "}},
-    {QLatin1String("_LOCAL_INJECT_DATA_SSRCONTENT_TIMES"),
+    {"_LOCAL_INJECT_DATA_SSRCONTENT_TIMES",
      {Value::SsrContentTimes, "\nwindow.__INJECT__._LOCAL_INJECT_DATA_SSRCONTENT_TIMES = "}},
-    {QLatin1String("_LOCAL_CONNID"), {Value::ConnId, "\nwindow.__INJECT__._LOCAL_CONNID =\"", "\";"}},
+    {"_LOCAL_CONNID", {Value::ConnId, "\nwindow.__INJECT__._LOCAL_CONNID =\"", "\";"}},
 };
 
 constexpr Line allLines[] = {
@@ -125,7 +124,7 @@ QByteArrayList script(const QVariant& list, const ValueOf& valueOf)
     for (const QJsonValue& name : names) {
         const auto known =
             std::find_if(std::begin(namedLines), std::end(namedLines), [&name](const NamedLine& line) {
-                return name.isString() && name.toString() == line.name;
+                return name.isString() && name.toString() == QLatin1String(line.name);
             });
         if (known != std::end(namedLines))
             append(pieces, known->line, valueOf);

@@ -58,6 +58,7 @@ class DataDirectoryTest(PackageCase):
 
     def test_the_host_file_may_become_a_pipe_while_the_shell_runs(self):
         shell = self.start_with(installed_packages(BUILD))
+        shell.call("shell.state")
         os.remove(shell.host_file)
         os.mkfifo(shell.host_file)
         shell.wait_for_log("it is not a regular file")
@@ -150,14 +151,10 @@ class LocalCopyTest(PackageCase):
         self.assertIsNone(self.injected(page, "_LOCAL_INJECT_DATA.content"))
 
     def test_no_content_and_no_rendering_swallows_the_page(self):
-        renderings = ("<!--<script>", "<!-- unclosed", "<script>unclosed", "<textarea>", "<plaintext>", "</script><!--",
-                      "<style>", "<template>", "<svg><![CDATA[", "\u2028\u2029", "</body></html>", "\x00\ud83c".encode(
-                          "utf-8", "surrogatepass").decode("utf-8", "replace"))
-        contents = ('"<!--<script>"', '"</script>"', '{"a": "cut', "1; window.__INJECT__ = null", "/* swallowed",
-                    "// swallowed", "`swallowed", "a b", "", " ", "null", "[" * 5000 + "]" * 5000, "}{")
-        for number in range(max(len(renderings), len(contents))):
-            rendering = renderings[number % len(renderings)]
-            content = contents[number % len(contents)]
+        cases = (("<!--<script>", '"</script><!--<script>"'), ("<script><!-- unclosed", '{"a": "cut'),
+                 ("</body><textarea><plaintext>", "/* swallowed"), ("</script><!--", "1; window.__INJECT__ = null"),
+                 ("<style><svg><![CDATA[\u2028\u2029", "a b"), ("<template>", "[" * 5000 + "]" * 5000))
+        for rendering, content in cases:
             with self.subTest(rendering=rendering, content=content[:40]):
                 for place, name, text in (("pkgCachePath", "csr.html", rendering), ("pkgSyncPath", "content.word", content)):
                     with open(self.path(place, name), "w", encoding="utf-8") as file:
