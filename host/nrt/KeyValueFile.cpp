@@ -4,10 +4,12 @@
 
 #include <QCryptographicHash>
 #include <QDataStream>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
+#include <QTimeZone>
 
 #include "nrt/FileLock.h"
 #include "nrt/files.h"
@@ -46,11 +48,163 @@ bool setAside(const QString& path, const QString& reason)
     return !aside.isEmpty();
 }
 
-template <typename Container>
-bool allStorable(const Container& values)
+constexpr int deepestValue = 100; //!< containers in each other
+
+bool isPlain(int type)
 {
-    return std::all_of(values.begin(), values.end(), isStorable);
+    switch (static_cast<QMetaType::Type>(type)) {
+    case QMetaType::UnknownType:
+    case QMetaType::Nullptr:
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::QString:
+    case QMetaType::QByteArray:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+    case QMetaType::QDateTime:
+    case QMetaType::QUrl:
+    case QMetaType::QJsonValue:
+    case QMetaType::QJsonObject:
+    case QMetaType::QJsonArray:
+        return true;
+    default:
+        return false;
+    }
 }
+
+bool isStorableAt(const QVariant& value, int depth);
+
+template <typename Container>
+bool allStorable(const Container& values, int depth)
+{
+    return depth <= deepestValue && std::all_of(values.begin(), values.end(), [depth](const QVariant& value) {
+               return isStorableAt(value, depth);
+           });
+}
+
+bool isStorableAt(const QVariant& value, int depth)
+{
+    switch (static_cast<QMetaType::Type>(value.userType())) {
+    case QMetaType::QStringList:
+        return true;
+    case QMetaType::QVariantList:
+        return allStorable(value.toList(), depth + 1);
+    case QMetaType::QVariantMap:
+        return allStorable(value.toMap(), depth + 1);
+    case QMetaType::QVariantHash:
+        return allStorable(value.toHash(), depth + 1);
+    default:
+        return isPlain(value.userType());
+    }
+}
+
+/**
+ * Reads what QDataStream writes for storable values, and nothing else: as it reads, a file could ask for
+ * memory that it has no content for, and for any type that the program knows.
+ */
+class ValueReader
+{
+public:
+    explicit ValueReader(const QByteArray& bytes)
+        : m_stream(bytes)
+    {
+        m_stream.setVersion(QDataStream::Qt_5_15);
+    }
+
+    QVariantMap readMap(int depth = 0) { return readNamed<QVariantMap>(depth); }
+    bool isWhole() const { return m_stream.status() == QDataStream::Ok; }
+
+private:
+    QVariant readValue(int depth)
+    {
+        quint32 type = 0;
+        qint8 isNull = 0;
+        m_stream >> type >> isNull;
+        if (depth > deepestValue)
+            return fail();
+        switch (static_cast<QMetaType::Type>(type)) {
+        case QMetaType::QStringList:
+            return readList<QStringList>([this] { return readText(); });
+        case QMetaType::QVariantList:
+            return readList<QVariantList>([this, depth] { return readValue(depth + 1); });
+        case QMetaType::QVariantMap:
+            return readMap(depth + 1);
+        case QMetaType::QVariantHash:
+            return readNamed<QVariantHash>(depth + 1);
+        case QMetaType::UnknownType:
+            return {};
+        default:
+            break;
+        }
+        if (!isPlain(int(type)))
+            return fail();
+        const QVariant null(int(type), nullptr);
+        QVariant value = null;
+        if (!QMetaType::load(m_stream, int(type), value.data()) || !isWritable(value))
+            return fail();
+        return isNull != 0 ? null : QVariant(int(type), value.constData());
+    }
+
+    /** A time in a zone that is none ends the program when it is written again. */
+    static bool isWritable(const QVariant& value)
+    {
+        if (value.userType() != QMetaType::QDateTime)
+            return true;
+        const QDateTime time = value.toDateTime();
+        return time.timeSpec() != Qt::TimeZone || time.timeZone().isValid();
+    }
+
+    /** How many elements follow, each of which takes some bytes. */
+    int readCount()
+    {
+        quint32 count = 0;
+        m_stream >> count;
+        if (count <= m_stream.device()->bytesAvailable() / 4)
+            return int(count);
+        fail();
+        return 0;
+    }
+
+    template <typename Container, typename Read>
+    Container readList(Read read)
+    {
+        Container values;
+        for (int left = readCount(); left > 0 && isWhole(); --left)
+            values.append(read());
+        return values;
+    }
+
+    template <typename Container>
+    Container readNamed(int depth)
+    {
+        Container values;
+        for (int left = readCount(); left > 0 && isWhole(); --left) {
+            const QString name = readText();
+            values.insert(name, readValue(depth));
+        }
+        return values;
+    }
+
+    QString readText()
+    {
+        QString text;
+        m_stream >> text;
+        return text;
+    }
+
+    QVariant fail()
+    {
+        m_stream.setStatus(QDataStream::ReadCorruptData);
+        return {};
+    }
+
+    QDataStream m_stream;
+};
 
 void apply(const QVariantMap& changes, QVariantMap& values)
 {
@@ -66,36 +220,7 @@ void apply(const QVariantMap& changes, QVariantMap& values)
 
 bool isStorable(const QVariant& value)
 {
-    switch (static_cast<QMetaType::Type>(value.userType())) {
-    case QMetaType::UnknownType:
-    case QMetaType::Nullptr:
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::QString:
-    case QMetaType::QStringList:
-    case QMetaType::QByteArray:
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-    case QMetaType::QDateTime:
-    case QMetaType::QUrl:
-    case QMetaType::QJsonValue:
-    case QMetaType::QJsonObject:
-    case QMetaType::QJsonArray:
-        return true;
-    case QMetaType::QVariantList:
-        return allStorable(value.toList());
-    case QMetaType::QVariantMap:
-        return allStorable(value.toMap());
-    case QMetaType::QVariantHash:
-        return allStorable(value.toHash());
-    default:
-        return false;
-    }
+    return isStorableAt(value, 0);
 }
 
 QByteArray encodeKeyValues(const QVariantMap& values)
@@ -113,13 +238,9 @@ std::optional<QVariantMap> decodeKeyValues(const QByteArray& bytes)
     const QByteArray payload = bytes.mid(mark.size() + checksumSize);
     if (!bytes.startsWith(mark) || bytes.mid(mark.size(), checksumSize) != checksum(payload))
         return std::nullopt;
-    QDataStream stream(payload);
-    stream.setVersion(QDataStream::Qt_5_15);
-    QVariantMap values;
-    stream >> values;
-    if (stream.status() != QDataStream::Ok)
-        return std::nullopt;
-    return values;
+    ValueReader reader(payload);
+    QVariantMap values = reader.readMap();
+    return reader.isWhole() ? std::optional(std::move(values)) : std::nullopt;
 }
 
 KeyValueFile::KeyValueFile(QString path)
