@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include <QCryptographicHash>
 #include <QDate>
 #include <QDir>
 #include <QFile>
@@ -106,6 +107,24 @@ TEST_F(KeyValueStore, WhatIsNoFileIsSetAsideUnlessItIsAFolder)
             QDir(storePath() + QStringLiteral(".lock")).removeRecursively();
         }
     }
+}
+
+TEST_F(KeyValueStore, AFileThatAsksForMoreThanItHoldsIsDamaged)
+{
+    QVariant deep;
+    for (int i = 0; i < 200; ++i)
+        deep = QVariantList{deep};
+    EXPECT_FALSE(nrt::isStorable(deep));
+    const QByteArray variantList = QByteArray::fromHex("00000009 00 ffffffff");
+    const QByteArray picture = QByteArray::fromHex("00000046 00 00000000");
+    const QByteArray noZone = QByteArray::fromHex("00000010 00 0000000000258960 00000001 03 ffffffff");
+    for (const QByteArray& value : {variantList, picture, noZone}) {
+        const QByteArray payload = QByteArray::fromHex("00000001 00000002 0061") + value;
+        const QByteArray file =
+            "NKCC1\n" + QCryptographicHash::hash(payload, QCryptographicHash::Sha256) + payload;
+        EXPECT_FALSE(nrt::decodeKeyValues(file)) << value.toHex().constData();
+    }
+    EXPECT_FALSE(nrt::decodeKeyValues(nrt::encodeKeyValues({{key, deep}})));
 }
 
 TEST_F(KeyValueStore, DoesNotGrowBeyondWhatIsRead)
