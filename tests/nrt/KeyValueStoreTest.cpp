@@ -117,7 +117,7 @@ TEST_F(KeyValueStore, AFileThatAsksForMoreThanItHoldsIsDamaged)
     EXPECT_FALSE(nrt::isStorable(deep));
     const QByteArray variantList = QByteArray::fromHex("00000009 00 ffffffff");
     const QByteArray picture = QByteArray::fromHex("00000046 00 00000000");
-    const QByteArray noZone = QByteArray::fromHex("00000010 00 0000000000258960 00000001 03 ffffffff");
+    const QByteArray noZone = QByteArray::fromHex("00000010 00 0000000000258960 00ffffff ff");
     for (const QByteArray& value : {variantList, picture, noZone}) {
         const QByteArray payload = QByteArray::fromHex("00000001 00000002 0061") + value;
         const QByteArray file =
