@@ -15,7 +15,7 @@ namespace {
 
 const QString logTag = QStringLiteral("nheliostat");
 
-constexpr qint64 largestRecord = 4LL << 20; //!< bytes
+constexpr qint64 largestRecord = 16LL << 20; //!< bytes
 
 QString lockPathOf(const QString& path)
 {
