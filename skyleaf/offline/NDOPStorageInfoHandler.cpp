@@ -203,7 +203,10 @@ void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
     const QString path = below(root, transfer.relativePos);
     if (nrt::dirs::inBlackDownloadDir(path))
         return replyError(context, QStringLiteral("relativePos unsafe in installRootDir"));
-    if (!npackagefiles::isPlaceWithin(root, path))
+    const QFileInfo present(path);
+    const bool isOdd =
+        present.exists() && !present.isFile() && !present.isDir(); // a pipe would hold the download
+    if (isOdd || !npackagefiles::isPlaceWithin(root, path))
         return replyError(context, QStringLiteral("relativePos is invalid"));
     m_downloadCallback = context.getValue(QStringLiteral("callback")).toString();
     host->downloadPackage(transfer.address, path);

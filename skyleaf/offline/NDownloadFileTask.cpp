@@ -2,7 +2,6 @@
 
 #include "base/NClock.h"
 #include "nrt/dirs.h"
-#include "nrt/files.h"
 
 #include <QFile>
 #include <QMutex>
@@ -120,9 +119,8 @@ void NDownloadFileTask::run()
 {
     if (!m_source)
         return;
-    QFile file;
-    if (nrt::dirs::inBlackDownloadDir(m_path) ||
-        !nrt::files::open(file, m_path, QIODevice::WriteOnly | QIODevice::Truncate).isEmpty()) {
+    QFile file(m_path);
+    if (nrt::dirs::inBlackDownloadDir(m_path) || !file.open(QIODevice::WriteOnly)) {
         Q_EMIT requestFinished(false);
         return;
     }

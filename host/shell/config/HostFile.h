@@ -68,8 +68,8 @@ struct HostFile
      * script object. */
     QStringList scriptOrigins() const;
     static constexpr int mostInterceptedHosts = 200; //!< one certificate names them all
-    /** The hosts of the domains that are https, of too many those of the suite first: the shell answers requests to
-     * them itself where it can. */
+    /** The hosts of the domains that are https, of too many those of the suite first: the shell answers
+     * requests to them itself where it can. */
     QStringList interceptedHosts() const;
 };
 

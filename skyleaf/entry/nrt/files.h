@@ -41,8 +41,8 @@ QString open(QFile& file, const QString& path, QIODevice::OpenMode mode);
 QString replace(const QString& path, const QByteArray& bytes);
 
 /**
- * Renames what is at `path` to "<path>.corrupt", or "<path>.corrupt-2" and so on where that does not work. The new
- * name; empty when it is where it was, as a folder always is: it holds what nobody gave to us.
+ * Renames what is at `path` to "<path>.corrupt", or "<path>.corrupt-2" and so on where that does not work.
+ * The new name; empty when it is where it was, as a folder always is: it holds what nobody gave to us.
  */
 QString setAside(const QString& path);
 
