@@ -2,6 +2,7 @@
 
 #include "offline/NDOPInjectHtml.h"
 #include "offline/NDOPResponseData.h"
+#include "offline/PackageFiles.h"
 #include "zeolite/IWebViewResourceProviderCallback.h"
 
 #include <QMap>
@@ -15,6 +16,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 class NHelioBrowserWidgetBase;
 
@@ -73,8 +75,12 @@ public:
 
     /** Whether packages are served from memory. Any thread. */
     bool isPreloadingOn() const { return m_isPreloadingOn; }
-    /** The bytes of a file below `directory` from memory, else from the disk and kept. Any thread. */
-    QByteArray readPreloadedOrDisk(const QString& directory, const QString& path) const;
+    /**
+     * The bytes of a file below `directory` from memory, else from the disk and kept; none for one of more
+     * than `largest`. Any thread.
+     */
+    QByteArray readPreloadedOrDisk(const QString& directory, const QString& path,
+                                   qint64 largest = npackagefiles::largestScript) const;
 
 Q_SIGNALS:
     void startPreloadLocalResource(const QString& packageRoot, const QString& officeType);
@@ -109,6 +115,7 @@ private:
                     IWebViewResourceProviderCallback& callback, const char* operation, ReadHtml readHtml);
     void setResponse(const QString& requestKey, const NDOPResponseData& data);
     void dropTimer(const QString& requestKey);
+    std::optional<NDOPInjectHtml> injectRecord(const QString& injectId) const;
     template <typename Change>
     void changeInjectRecord(const QString& injectId, Change change);
 
