@@ -1,12 +1,12 @@
 #include "ncefpreload/FrontEnds.h"
 
 #include "ncefpreload/NCefPreload.h"
+#include "nrt/files.h"
 #include "nrt/kcc.h"
 #include "zeolite/NCoreApplication.h"
 #include "zeolite/NDomainMgr.h"
 #include "zeolite/NPlugin.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -37,10 +37,8 @@ QString pluginOf(const QString& officeType)
 std::optional<QByteArray> contentOf(const QString& path)
 {
     constexpr qint64 largest = 64 * 1024;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    return file.read(largest);
+    const nrt::files::Reading file = nrt::files::read(path, largest);
+    return file ? std::optional(file.bytes) : std::nullopt;
 }
 
 QString packageOf(const QString& officeType)

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QThread>
 
+#include <cerrno>
+
 namespace nrt {
 namespace {
 
@@ -20,7 +22,12 @@ constexpr int lockedByAnother = -2;
 /** The descriptor that holds the lock, or one of the negative values above. */
 int tryLock(const QString& path, int flags)
 {
-    const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC, 0600);
+    // A lock is never read: whatever else is in its place is locked as well, without waiting for its other
+    // end.
+    constexpr int always = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    int descriptor = ::open(QFile::encodeName(path).constData(), flags | always, 0600);
+    if (descriptor < 0 && errno == EISDIR)
+        descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | always);
     if (descriptor < 0)
         return cannotOpen;
     if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)

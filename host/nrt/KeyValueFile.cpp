@@ -4,13 +4,15 @@
 
 #include <QCryptographicHash>
 #include <QDataStream>
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
-#include <QSaveFile>
+#include <QTimeZone>
 
 #include "nrt/FileLock.h"
+#include "nrt/files.h"
 
 namespace nrt {
 namespace {
@@ -19,6 +21,7 @@ Q_LOGGING_CATEGORY(lcKcc, "nrt.kcc")
 
 constexpr int lockTimeoutMs = 5000;
 constexpr int checksumSize = 32;
+constexpr qint64 largestStore = 64LL << 20; //!< bytes
 
 QByteArray fileMark()
 {
@@ -36,20 +39,172 @@ QByteArray checksumOf(const QByteArray& bytes)
     return bytes.mid(fileMark().size(), checksumSize);
 }
 
-void setAside(const QString& path)
+bool setAside(const QString& path, const QString& reason)
 {
-    const QString aside = path + QStringLiteral(".corrupt");
-    QFile::remove(aside);
-    qCWarning(lcKcc, "key-value store %s is damaged; %s %s", qUtf8Printable(path),
-              QFile::rename(path, aside) ? "set aside as" : "could not be set aside as",
+    const QString aside = files::setAside(path);
+    qCWarning(lcKcc, "key-value store %s is damaged (%s); %s %s", qUtf8Printable(path),
+              qUtf8Printable(reason), aside.isEmpty() ? "it could not be set aside" : "set aside as",
               qUtf8Printable(aside));
+    return !aside.isEmpty();
 }
 
-template <typename Container>
-bool allStorable(const Container& values)
+constexpr int deepestValue = 100; //!< containers in each other
+
+bool isPlain(int type)
 {
-    return std::all_of(values.begin(), values.end(), isStorable);
+    switch (static_cast<QMetaType::Type>(type)) {
+    case QMetaType::UnknownType:
+    case QMetaType::Nullptr:
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Double:
+    case QMetaType::Float:
+    case QMetaType::QString:
+    case QMetaType::QByteArray:
+    case QMetaType::QDate:
+    case QMetaType::QTime:
+    case QMetaType::QDateTime:
+    case QMetaType::QUrl:
+    case QMetaType::QJsonValue:
+    case QMetaType::QJsonObject:
+    case QMetaType::QJsonArray:
+        return true;
+    default:
+        return false;
+    }
 }
+
+bool isStorableAt(const QVariant& value, int depth);
+
+template <typename Container>
+bool allStorable(const Container& values, int depth)
+{
+    return depth <= deepestValue && std::all_of(values.begin(), values.end(), [depth](const QVariant& value) {
+               return isStorableAt(value, depth);
+           });
+}
+
+bool isStorableAt(const QVariant& value, int depth)
+{
+    switch (static_cast<QMetaType::Type>(value.userType())) {
+    case QMetaType::QStringList:
+        return true;
+    case QMetaType::QVariantList:
+        return allStorable(value.toList(), depth + 1);
+    case QMetaType::QVariantMap:
+        return allStorable(value.toMap(), depth + 1);
+    case QMetaType::QVariantHash:
+        return allStorable(value.toHash(), depth + 1);
+    default:
+        return isPlain(value.userType());
+    }
+}
+
+/**
+ * Reads what QDataStream writes for storable values, and nothing else: as it reads, a file could ask for
+ * memory that it has no content for, and for any type that the program knows.
+ */
+class ValueReader
+{
+public:
+    explicit ValueReader(const QByteArray& bytes)
+        : m_stream(bytes)
+    {
+        m_stream.setVersion(QDataStream::Qt_5_15);
+    }
+
+    QVariantMap readMap(int depth = 0) { return readNamed<QVariantMap>(depth); }
+    bool isWhole() const { return m_stream.status() == QDataStream::Ok; }
+
+private:
+    QVariant readValue(int depth)
+    {
+        quint32 type = 0;
+        qint8 isNull = 0;
+        m_stream >> type >> isNull;
+        if (depth > deepestValue)
+            return fail();
+        switch (static_cast<QMetaType::Type>(type)) {
+        case QMetaType::QStringList:
+            return readList<QStringList>([this] { return readText(); });
+        case QMetaType::QVariantList:
+            return readList<QVariantList>([this, depth] { return readValue(depth + 1); });
+        case QMetaType::QVariantMap:
+            return readMap(depth + 1);
+        case QMetaType::QVariantHash:
+            return readNamed<QVariantHash>(depth + 1);
+        case QMetaType::UnknownType:
+            return {};
+        default:
+            break;
+        }
+        if (!isPlain(int(type)))
+            return fail();
+        const QVariant null(int(type), nullptr);
+        QVariant value = null;
+        if (!QMetaType::load(m_stream, int(type), value.data()) || !isWritable(value))
+            return fail();
+        return isNull != 0 ? null : QVariant(int(type), value.constData());
+    }
+
+    /** A time in a zone that is none ends the program when it is written again. */
+    static bool isWritable(const QVariant& value)
+    {
+        if (value.userType() != QMetaType::QDateTime)
+            return true;
+        const QDateTime time = value.toDateTime();
+        return time.timeSpec() != Qt::TimeZone || time.timeZone().isValid();
+    }
+
+    /** How many elements follow, each of which takes some bytes. */
+    int readCount()
+    {
+        quint32 count = 0;
+        m_stream >> count;
+        if (count <= m_stream.device()->bytesAvailable() / 4)
+            return int(count);
+        fail();
+        return 0;
+    }
+
+    template <typename Container, typename Read>
+    Container readList(Read read)
+    {
+        Container values;
+        for (int left = readCount(); left > 0 && isWhole(); --left)
+            values.append(read());
+        return values;
+    }
+
+    template <typename Container>
+    Container readNamed(int depth)
+    {
+        Container values;
+        for (int left = readCount(); left > 0 && isWhole(); --left) {
+            const QString name = readText();
+            values.insert(name, readValue(depth));
+        }
+        return values;
+    }
+
+    QString readText()
+    {
+        QString text;
+        m_stream >> text;
+        return text;
+    }
+
+    QVariant fail()
+    {
+        m_stream.setStatus(QDataStream::ReadCorruptData);
+        return {};
+    }
+
+    QDataStream m_stream;
+};
 
 void apply(const QVariantMap& changes, QVariantMap& values)
 {
@@ -65,36 +220,7 @@ void apply(const QVariantMap& changes, QVariantMap& values)
 
 bool isStorable(const QVariant& value)
 {
-    switch (static_cast<QMetaType::Type>(value.userType())) {
-    case QMetaType::UnknownType:
-    case QMetaType::Nullptr:
-    case QMetaType::Bool:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Double:
-    case QMetaType::Float:
-    case QMetaType::QString:
-    case QMetaType::QStringList:
-    case QMetaType::QByteArray:
-    case QMetaType::QDate:
-    case QMetaType::QTime:
-    case QMetaType::QDateTime:
-    case QMetaType::QUrl:
-    case QMetaType::QJsonValue:
-    case QMetaType::QJsonObject:
-    case QMetaType::QJsonArray:
-        return true;
-    case QMetaType::QVariantList:
-        return allStorable(value.toList());
-    case QMetaType::QVariantMap:
-        return allStorable(value.toMap());
-    case QMetaType::QVariantHash:
-        return allStorable(value.toHash());
-    default:
-        return false;
-    }
+    return isStorableAt(value, 0);
 }
 
 QByteArray encodeKeyValues(const QVariantMap& values)
@@ -112,13 +238,9 @@ std::optional<QVariantMap> decodeKeyValues(const QByteArray& bytes)
     const QByteArray payload = bytes.mid(mark.size() + checksumSize);
     if (!bytes.startsWith(mark) || bytes.mid(mark.size(), checksumSize) != checksum(payload))
         return std::nullopt;
-    QDataStream stream(payload);
-    stream.setVersion(QDataStream::Qt_5_15);
-    QVariantMap values;
-    stream >> values;
-    if (stream.status() != QDataStream::Ok)
-        return std::nullopt;
-    return values;
+    ValueReader reader(payload);
+    QVariantMap values = reader.readMap();
+    return reader.isWhole() ? std::optional(std::move(values)) : std::nullopt;
 }
 
 KeyValueFile::KeyValueFile(QString path)
@@ -164,21 +286,21 @@ bool KeyValueFile::mergeFile()
     const FileIdentity present = FileIdentity::of(m_path);
     if (present.isKnown() && present == m_seen)
         return true;
-    QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        if (!file.exists())
-            return true;
+    const files::Reading file = files::read(m_path, largestStore);
+    if (file.fault == files::Fault::Missing)
+        return true;
+    if (file.fault == files::Fault::Unreadable) {
         qCWarning(lcKcc, "key-value store %s cannot be read: %s", qUtf8Printable(m_path),
-                  qUtf8Printable(file.errorString()));
+                  qUtf8Printable(file.reason));
         return false;
     }
-    const QByteArray bytes = file.readAll();
-    if (auto stored = decodeKeyValues(bytes)) {
+    if (auto stored = file ? decodeKeyValues(file.bytes) : std::nullopt) {
         m_values = *std::move(stored);
         m_seen = present;
-        m_seenSum = checksumOf(bytes);
+        m_seenSum = checksumOf(file.bytes);
     } else {
-        setAside(m_path);
+        if (!setAside(m_path, file ? QStringLiteral("its checksum is wrong") : file.reason))
+            return false;
         m_seen = {};
         m_seenSum.clear();
     }
@@ -198,12 +320,17 @@ bool KeyValueFile::writeMerged()
     if (!mergeFile())
         return false;
     const QByteArray bytes = encodeKeyValues(m_values);
+    if (bytes.size() > largestStore) {
+        qCWarning(lcKcc, "key-value store %s would be too large; the value stays in memory",
+                  qUtf8Printable(m_path));
+        return false;
+    }
     if (checksumOf(bytes) != m_seenSum ||
         !QFile::exists(m_path)) { // a value written again as it is costs no disk write
-        QSaveFile file(m_path);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        const QString failure = files::replace(m_path, bytes);
+        if (!failure.isEmpty()) {
             qCWarning(lcKcc, "key-value store %s not written: %s", qUtf8Printable(m_path),
-                      qUtf8Printable(file.errorString()));
+                      qUtf8Printable(failure));
             return false;
         }
         m_seen = FileIdentity::of(m_path);

@@ -12,7 +12,8 @@
 
 namespace nrt {
 
-/** Whether a value can be stored: plain values, texts, bytes, dates, URLs, JSON, and lists and maps of these.
+/** Whether a value can be stored: plain values, texts, bytes, dates, URLs, JSON, and lists and maps of these,
+ * up to a hundred in each other.
  */
 bool isStorable(const QVariant& value);
 

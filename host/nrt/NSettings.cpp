@@ -4,15 +4,21 @@
 #include <QFile>
 #include <QLoggingCategory>
 #include <QSettings>
+#include <QStandardPaths>
+
+#include <mutex>
 
 #include "nrt/FileLock.h"
 #include "nrt/RuntimeSetup.h"
 #include "nrt/SettingsLocation.h"
+#include "nrt/files.h"
 
 namespace nrt {
 namespace {
 
 Q_LOGGING_CATEGORY(lcSettings, "nrt.settings")
+
+constexpr qint64 largestSettings = 16LL << 20; //!< bytes
 
 QString maker()
 {
@@ -28,8 +34,48 @@ void keepDamagedFile(const QString& path)
               QFile::copy(path, copy) ? "a copy was kept" : "no copy could be kept");
 }
 
+/** Where the settings lie; empty until they are redirected. */
+struct Place
+{
+    std::mutex mutex;
+    QString directory; //!< guarded by the mutex
+};
+
+Place& place()
+{
+    static Place place;
+    return place;
+}
+
+QString fileOf(const QString& organization, const QString& application)
+{
+    const std::lock_guard<std::mutex> lock(place().mutex);
+    const QString& redirected = place().directory;
+    const QString directory = redirected.isEmpty()
+                                  ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+                                  : redirected;
+    return QStringLiteral("%1/%2/%3.conf").arg(directory, organization, application);
+}
+
+/**
+ * QSettings opens whatever is there, and waits for the other end of a pipe: what is no settings file is set
+ * aside first. The path to be used.
+ */
+QString usablePath(const QString& path)
+{
+    const files::Reading found = files::inspect(path, largestSettings);
+    if (found || found.fault == files::Fault::Missing || found.fault == files::Fault::Unreadable)
+        return path;
+    const QString aside = files::setAside(path);
+    qCWarning(lcSettings, "settings file %s cannot be used, %s; %s %s", qUtf8Printable(path),
+              qUtf8Printable(found.reason), aside.isEmpty() ? "it could not be set aside" : "set aside as",
+              qUtf8Printable(aside));
+    return aside.isEmpty() ? path + QStringLiteral(".unusable") : path;
+}
+
 void writeNow(QSettings& settings)
 {
+    usablePath(settings.fileName());
     removeAbandonedLockFile(settings.fileName() + QStringLiteral(".lock"));
     settings.sync();
     if (settings.status() == QSettings::AccessError)
@@ -39,8 +85,8 @@ void writeNow(QSettings& settings)
 } // namespace
 
 NSettings::NSettings(const QString& organization, const QString& application)
-    : m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope, organization,
-                                             application))
+    : m_settings(
+          std::make_unique<QSettings>(usablePath(fileOf(organization, application)), QSettings::NativeFormat))
 {
     m_settings->setFallbacksEnabled(false);
     if (m_settings->status() == QSettings::FormatError)
@@ -97,8 +143,8 @@ NVLTCloudSettings::NVLTCloudSettings()
 
 void runtime::redirectSettings(const QString& dataDir)
 {
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                       QDir(dataDir).filePath(QStringLiteral("settings")));
+    const std::lock_guard<std::mutex> lock(place().mutex);
+    place().directory = QDir(dataDir).filePath(QStringLiteral("settings"));
 }
 
 } // namespace nrt

@@ -1,5 +1,7 @@
 #include "nvltcloudmodule/SendFileOutbox.h"
 
+#include "nrt/files.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -50,9 +52,10 @@ QString putIntoOutbox(const Sender& sender, const OutgoingFile& outgoing)
     QLockFile lock(path + QStringLiteral(".lock"));
     if (!lock.tryLock(lockWaitMs))
         return tr("The outbox is in use. Try again.");
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite))
-        return tr("The outbox cannot be written: %1").arg(file.errorString());
+    QFile file;
+    const QString failure = nrt::files::open(file, path, QIODevice::ReadWrite);
+    if (!failure.isEmpty())
+        return tr("The outbox cannot be written: %1").arg(failure);
     // What a full disk left of an earlier line stays a line of its own.
     const QByteArray line = (endsInLine(file) ? QByteArray() : QByteArray("\n")) + toLine(sender, outgoing);
     const qint64 end = file.size();

@@ -159,6 +159,10 @@ QString ShellProgram::startBrowser()
     BrowserEnvironment::Setup setup;
     setup.scriptOrigins = m_setup.host.scriptOrigins();
     setup.interceptedHosts = m_setup.host.interceptedHosts();
+    if (setup.interceptedHosts.size() == HostFile::mostInterceptedHosts)
+        NxLoggerLite::writeWarning(QStringLiteral("shell"),
+                                   QStringLiteral("host file: only %1 hosts are answered locally")
+                                       .arg(HostFile::mostInterceptedHosts));
     setup.resolve = m_setup.host.resolve;
     setup.gatewayLimits = gatewayLimits([](const QString& name) {
         nrt::NCCCommonSettings settings;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bridge/clipboard/ClipboardCalls.h"
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/NHelioCommonJSAPI.h"
 
@@ -170,5 +171,6 @@ private:
     NHelioDockPanelJsHandler* m_dockMessageHandler = nullptr;
     QString m_officeType;
     bool m_openCooperationResult = false;
+    ClipboardCalls m_clipboardCalls{[this](const NxWebViewJSContext& call) { publishResult(call); }};
     std::unique_ptr<NVltCloudWidgets> m_cloudWidgets; //!< made when the first file is sent
 };

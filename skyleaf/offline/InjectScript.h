@@ -27,8 +27,18 @@ QByteArrayList script(const QVariant& list, const ValueOf& valueOf);
 /** The page with the script at its markers. */
 QByteArray pageWithScript(const QByteArray& html, const QByteArrayList& script);
 
-/** Bytes that cannot end the script element they are written into. */
-QByteArray escapedForScript(QByteArray bytes);
+/** With every "</" as "<\/". */
+QByteArray closingTagsEscaped(QByteArray bytes);
+/**
+ * A script expression that can neither end nor swallow the script element that it is written into, and has
+ * the same value: in its texts "</", "<!--", "<script" and the line separators of Unicode are escaped.
+ */
+QByteArray escapedForScript(const QByteArray& expression);
+/**
+ * Whether the bytes stay one value wherever they are written in a script: JSON text, or another expression
+ * whose texts are closed and whose brackets fit, without comments, templates, divisions and statements.
+ */
+bool isWholeExpression(const QByteArray& bytes);
 /** The page that the server rendered, as the JSON text of an object. */
 QByteArray csrJson(const QByteArray& csrHtml);
 /** Bytes that came from elsewhere as the UTF-8 of a text: what is no UTF-8 is replaced. */

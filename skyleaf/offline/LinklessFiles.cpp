@@ -35,39 +35,33 @@ struct Place
     QByteArray name;
 };
 
-/** An existing regular file, open for reading. */
-FileDescriptor openRegular(const Place& place, struct stat& status)
+/** A file open for reading; or why it is not. */
+struct OpenFile
 {
-    FileDescriptor file(::openat(place.folder.get(), place.name.constData(),
-                                 O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (!file.isOpen() || ::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode))
-        return FileDescriptor();
-    return file;
-}
+    FileDescriptor descriptor;
+    struct stat status = {};
+    nrt::files::Reading failure; //!< of none when it is open
+};
 
-std::optional<QByteArray> readAll(int file, qint64 expected)
+OpenFile openRegular(const Place& place)
 {
-    if (expected > largestFile)
-        return std::nullopt;
-    // One byte more than expected shows the end of a file that did not grow.
-    QByteArray bytes(static_cast<int>(expected) + 1, Qt::Uninitialized);
-    int filled = 0;
-    while (true) {
-        const ssize_t count = ::read(file, bytes.data() + filled, std::size_t(bytes.size() - filled));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            return std::nullopt;
-        filled += static_cast<int>(count);
-        if (count == 0)
-            break;
-        if (filled > largestFile)
-            return std::nullopt;
-        if (filled == bytes.size())
-            bytes.resize(static_cast<int>(qMin(2LL * filled, largestFile + 1)));
-    }
-    bytes.resize(filled);
-    return bytes;
+    using nrt::files::Fault;
+    OpenFile file;
+    const auto fail = [&file](Fault fault, const QString& reason) {
+        file.descriptor.close();
+        file.failure = {{}, fault, reason};
+    };
+    if (place.folder.isOpen())
+        file.descriptor = FileDescriptor(::openat(place.folder.get(), place.name.constData(),
+                                                  O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!file.descriptor.isOpen())
+        fail(place.folder.isOpen() && errno != ENOENT ? Fault::Unreadable : Fault::Missing,
+             QStringLiteral("it cannot be opened"));
+    else if (::fstat(file.descriptor.get(), &file.status) != 0 || !S_ISREG(file.status.st_mode))
+        fail(Fault::NotRegular, QStringLiteral("it is not a regular file"));
+    else if (file.status.st_nlink > 1)
+        fail(Fault::NotRegular, QStringLiteral("it is a file of elsewhere as well"));
+    return file;
 }
 
 /** The content that a file will have: written beside it under a name of its own, gone unless committed. */
@@ -90,9 +84,11 @@ public:
             m_file = FileDescriptor(::openat(place.folder.get(), m_name.constData(),
                                              O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
             if (!m_file.isOpen() && errno != EEXIST)
-                return;
+                break;
         }
-        if (exists && m_file.isOpen())
+        if (!m_file.isOpen())
+            m_name.clear(); // it is another one's
+        else if (exists)
             ::fchmod(m_file.get(), old.st_mode & 0777);
     }
     ~Replacement()
@@ -193,12 +189,10 @@ bool removeTree(int parent, const char* name, int depth)
 
 } // namespace
 
-std::optional<QByteArray> readFile(const QString& path)
+nrt::files::Reading readFile(const QString& path, qint64 largest)
 {
-    const Place place(path);
-    struct stat status = {};
-    const FileDescriptor file = place.folder.isOpen() ? openRegular(place, status) : FileDescriptor();
-    return file.isOpen() ? readAll(file.get(), status.st_size) : std::nullopt;
+    const OpenFile file = openRegular(Place(path));
+    return file.descriptor.isOpen() ? nrt::files::readOpen(file.descriptor.get(), largest) : file.failure;
 }
 
 bool makeFolder(const QString& path)
@@ -226,8 +220,8 @@ bool changeFile(const QString& path, const std::function<QByteArray(const QByteA
         return false;
     if (isMissing(place))
         return replace(place, change({}));
-    const std::optional<QByteArray> old = readFile(path);
-    return old && replace(place, change(*old));
+    const nrt::files::Reading old = readFile(path);
+    return old && replace(place, change(old.bytes));
 }
 
 bool appendToFile(const QString& path, const QByteArray& bytes)
@@ -238,12 +232,11 @@ bool appendToFile(const QString& path, const QByteArray& bytes)
         return false;
     if (isMissing(place))
         return replace(place, bytes);
-    struct stat status = {};
-    const FileDescriptor old = openRegular(place, status);
-    if (!old.isOpen())
+    const OpenFile old = openRegular(place);
+    if (!old.descriptor.isOpen())
         return false;
     Replacement replacement(place);
-    return replacement.isOpen() && replacement.copyFrom(old.get(), status.st_size) &&
+    return replacement.isOpen() && replacement.copyFrom(old.descriptor.get(), old.status.st_size) &&
            replacement.write(bytes) && replacement.commit();
 }
 

@@ -1,15 +1,16 @@
 #pragma once
 
+#include "nrt/files.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <functional>
-#include <optional>
 
 /**
  * Files of the user's data, by absolute paths without symbolic links: a link on the way, one that appears
  * meanwhile too, fails the operation. Only regular files are read and replaced; a pipe or a device fails at
- * once. Any thread.
+ * once. A file with several names (hard links) is not read: it may be one of elsewhere. Any thread.
  *
  * A file is replaced as a whole by a renamed one: whoever reads it finds the old or the new content, also
  * after the disk was full or the process was killed. Nothing waits for the disk.
@@ -19,8 +20,7 @@ namespace nlinklessfiles {
 /** The largest file that is read, in bytes: as Base64 it is still one text of the page's script. */
 constexpr qint64 largestFile = 256LL << 20;
 
-/** None when there is no such file, it cannot be read to its end, or it is too large. */
-std::optional<QByteArray> readFile(const QString& path);
+nrt::files::Reading readFile(const QString& path, qint64 largest = largestFile);
 /** Makes the folder with all missing parents; true also when it is there. */
 bool makeFolder(const QString& path);
 bool makeParentFolder(const QString& path);

@@ -2,8 +2,10 @@
 
 #include "base/NDocsLog.h"
 #include "offline/InjectScript.h"
+#include "offline/LinklessFiles.h"
 #include "offline/LocalPackagePath.h"
 #include "offline/PackageFiles.h"
+#include "offline/PackagePlace.h"
 #include "proxy/NDOPConfig.h"
 
 #include <QDir>
@@ -13,6 +15,41 @@
 #include <QUrlQuery>
 
 namespace NDocsOfflinePage {
+namespace {
+
+// In bytes. Both go through the memory of the page several times; what is larger the documents server gives.
+constexpr qint64 largestContent = 32LL << 20;
+constexpr qint64 largestRendering = 16LL << 20;
+
+void logUnused(const QString& what, const QString& reason)
+{
+    ndocslog::warning(QStringLiteral("%1 is not injected: %2").arg(what, reason),
+                      "NDocsOfflinePage::NDOPInjectHtml::scriptPieces");
+}
+
+/** A file of the local storage package; empty when there is none that can be used. */
+QByteArray readLocal(const QString& path, qint64 largest)
+{
+    const nrt::files::Reading file = nlinklessfiles::readFile(path, largest);
+    if (!file && file.fault != nrt::files::Fault::Missing)
+        logUnused(path, file.reason);
+    return file.bytes;
+}
+
+/** A script expression as it stands in the page's script; empty when it would not stay an expression there.
+ */
+QByteArray written(const QByteArray& expression, const char* what)
+{
+    if (expression.isEmpty())
+        return {};
+    if (!ninjectscript::isWholeExpression(expression)) {
+        logUnused(QLatin1String(what), QStringLiteral("it is no whole value"));
+        return {};
+    }
+    return ninjectscript::validUtf8(ninjectscript::escapedForScript(expression));
+}
+
+} // namespace
 
 void NDOPInjectHtml::setPackagePaths(const QString& syncPath, const QString& cachePath)
 {
@@ -22,8 +59,9 @@ void NDOPInjectHtml::setPackagePaths(const QString& syncPath, const QString& cac
     const QString root = localPckRootPath(QUrlQuery(url).queryItemValue(QStringLiteral("localId")));
     if (root.isEmpty())
         return;
-    m_contentDirectory = root + syncPath;
-    m_cacheDirectory = root + cachePath;
+    const QString resolved = npackageplace::resolvedRoot(root);
+    m_contentDirectory = npackageplace::pathOf(resolved, syncPath).value_or(QString());
+    m_cacheDirectory = npackageplace::pathOf(resolved, cachePath).value_or(QString());
 }
 
 void NDOPInjectHtml::copyLocalData(const NDOPInjectHtml& other)
@@ -50,6 +88,13 @@ QByteArray NDOPInjectHtml::injectHtml(const QByteArray& html, const QString& off
     return m_pageHtml;
 }
 
+QByteArray NDOPInjectHtml::keepPage(const QByteArray& page)
+{
+    if (m_pageHtml.isEmpty())
+        m_pageHtml = page;
+    return m_pageHtml;
+}
+
 QString NDOPInjectHtml::buildInjectScript(const QString& officeType, const QVariant& list) const
 {
     const QByteArray script = scriptPieces(officeType, list).join();
@@ -62,14 +107,13 @@ QByteArrayList NDOPInjectHtml::scriptPieces(const QString& officeType, const QVa
     return script(list, [this, &officeType](Value value) -> QByteArray {
         switch (value) {
         case Value::FileInfo:
-            // Names in it are chosen by other users; JSON text means the same with the slash escaped.
-            return validUtf8(escapedForScript(m_fileInfo));
+            return written(m_fileInfo, "the file's information"); // names in it are chosen by other users
         case Value::OfflineSwitch:
             return NDOPConfig::instance().isOfflineEditEnabled(officeType) ? "true" : "false";
         case Value::Content:
-            return validUtf8(readContentData(m_contentDirectory, officeType));
+            return written(readContentData(m_contentDirectory, officeType), "the local content");
         case Value::Cache:
-            return readCsrCache(m_cacheDirectory);
+            return escapedForScript(readCsrCache(m_cacheDirectory));
         case Value::SsrContent:
             return m_ssrContent;
         case Value::SsrContentTimes:
@@ -85,8 +129,8 @@ QVariant NDOPInjectHtml::readInjectList(const QString& packageRoot)
 {
     if (packageRoot.isEmpty())
         return {};
-    const std::optional<QByteArray> text =
-        npackagefiles::readWhole(packageRoot + QStringLiteral("/inject.json"));
+    const auto text = npackagefiles::readWithin(packageRoot, packageRoot + QStringLiteral("/inject.json"),
+                                                npackagefiles::largestList);
     return text ? QVariant(QJsonDocument::fromJson(*text).array()) : QVariant();
 }
 
@@ -95,8 +139,7 @@ QByteArray NDOPInjectHtml::readCsrCache(const QString& cacheDirectory)
     if (cacheDirectory.isEmpty())
         return {};
     const QByteArray csrHtml =
-        npackagefiles::readWhole(cacheDirectory + QDir::separator() + QStringLiteral("csr.html"))
-            .value_or(QByteArray());
+        readLocal(cacheDirectory + QDir::separator() + QStringLiteral("csr.html"), largestRendering);
     return csrHtml.isEmpty() ? QByteArray() : ninjectscript::csrJson(csrHtml);
 }
 
@@ -106,7 +149,7 @@ QByteArray NDOPInjectHtml::readContentData(const QString& contentDirectory, cons
     if (contentDirectory.isEmpty() || packageName.isEmpty())
         return {};
     const QString path = contentDirectory + QDir::separator() + QStringLiteral("content.") + packageName;
-    return ninjectscript::escapedForScript(npackagefiles::readWhole(path).value_or(QByteArray()));
+    return ninjectscript::closingTagsEscaped(readLocal(path, largestContent));
 }
 
 } // namespace NDocsOfflinePage

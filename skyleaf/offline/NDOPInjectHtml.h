@@ -20,7 +20,10 @@ public:
     const QString& url() const { return m_url; }
     /** JSON text. */
     void setFileInfo(const QByteArray& fileInfo) { m_fileInfo = fileInfo; }
-    /** Where the content and the cached page lie below the local storage package; begin with a separator. */
+    /**
+     * Where the content and the cached page lie below the local storage package; begin with a separator. What
+     * lies elsewhere, links followed, is not injected.
+     */
     void setPackagePaths(const QString& syncPath, const QString& cachePath);
     /** Takes what another record of the same document knows of its local package. */
     void copyLocalData(const NDOPInjectHtml& other);
@@ -29,11 +32,14 @@ public:
      * The page with the data in it; built once, later calls answer the same page. Empty when an argument is.
      */
     QByteArray injectHtml(const QByteArray& html, const QString& officeType, const QString& packageRoot);
+    /** The page from now on, unless there is one already; answers the page. */
+    QByteArray keepPage(const QByteArray& page);
     /** The script that sets what `list` names; everything when it is null. */
     QString buildInjectScript(const QString& officeType, const QVariant& list) const;
 
     /** What the package's pages want injected: an array of names; a null variant when it does not say. */
     static QVariant readInjectList(const QString& packageRoot);
+    // Directories are paths of nlinklessfiles. What cannot be used is empty, and the log says why.
     /** The page as it was rendered last, as JSON text; empty when there is none. */
     static QByteArray readCsrCache(const QString& cacheDirectory);
     /** The content that lies on this machine, a script expression; empty when there is none. */

@@ -7,7 +7,7 @@
 #include "zeolite/JsonHelper.h"
 
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -20,6 +20,7 @@ namespace {
 
 constexpr int preloadingItem = 59743;
 constexpr int millisecondsPerMinute = 60000;
+constexpr qint64 mostPreloaded = 256LL << 20; //!< bytes that one package's list adds
 
 QString joined(const QStringList& parts)
 {
@@ -65,8 +66,10 @@ void NDOPLocalResourceDataPreloader::readLocalResource(const QString& packageRoo
     if (m_stopping)
         return;
     startCleanTimer();
-    loadFileOf(packageRoot, joined({packageRoot, QStringLiteral("dist_langs"), QStringLiteral("zh-CN"),
-                                    QStringLiteral("index-%1.html").arg(officeType)}));
+    load(packageRoot,
+         joined({packageRoot, QStringLiteral("dist_langs"), QStringLiteral("zh-CN"),
+                 QStringLiteral("index-%1.html").arg(officeType)}),
+         npackagefiles::largestPage);
     loadListedFiles(packageRoot);
 }
 
@@ -81,17 +84,16 @@ void NDOPLocalResourceDataPreloader::startCleanTimer()
 void NDOPLocalResourceDataPreloader::loadListedFiles(const QString& packageRoot)
 {
     const QString path = joined({packageRoot, QStringLiteral("preload-file.json")});
-    QFile file(path);
-    if (!file.exists()) {
+    if (!QFileInfo::exists(path)) {
         logReading(QStringLiteral("preload file %1 does not exist").arg(path));
         return;
     }
-    if (!file.open(QIODevice::ReadOnly)) {
+    const auto list = npackagefiles::readWithin(packageRoot, path, npackagefiles::largestList);
+    if (!list) {
         logReading(QStringLiteral("preload file %1 cannot be opened").arg(path));
         return;
     }
-    const QByteArray text = file.readAll();
-    file.close();
+    const QByteArray& text = *list;
     if (text.isEmpty()) {
         logReading(QStringLiteral("preload file %1 is empty").arg(path));
         return;
@@ -101,33 +103,38 @@ void NDOPLocalResourceDataPreloader::loadListedFiles(const QString& packageRoot)
         logReading(QStringLiteral("preload file %1 list is empty").arg(path));
         return;
     }
+    qint64 budget = mostPreloaded;
     for (const QJsonValue& name : names) {
         if (!name.toString().isEmpty())
-            loadFileOf(packageRoot, packageRoot + name.toString());
+            budget -= load(packageRoot, packageRoot + name.toString(), npackagefiles::largestScript);
+        if (budget < 0) {
+            logReading(QStringLiteral("preload file %1 lists more than is preloaded").arg(path));
+            return;
+        }
     }
-}
-
-/** A package does not get to name files elsewhere. */
-void NDOPLocalResourceDataPreloader::loadFileOf(const QString& packageRoot, const QString& path)
-{
-    if (npackagefiles::isFileWithin(packageRoot, path))
-        loadFile(path);
-    else if (QFile::exists(path))
-        logReading(QStringLiteral("preload file %1 is not a file of the package").arg(path));
 }
 
 void NDOPLocalResourceDataPreloader::loadFile(const QString& path)
 {
+    load(QFileInfo(path).path(), path, npackagefiles::largestScript);
+}
+
+/** Reads a file that lies in the directory; answers how many bytes were added. */
+qint64 NDOPLocalResourceDataPreloader::load(const QString& directory, const QString& path, qint64 largest)
+{
     if (m_stopping)
-        return;
+        return 0;
     {
         const QString key = QDir::toNativeSeparators(path);
         const std::shared_lock lock(m_lock);
         if (m_files.contains(key))
-            return;
+            return 0;
     }
-    if (const std::optional<QByteArray> bytes = npackagefiles::readWhole(path))
-        storeFile(path, *bytes);
+    const auto bytes = npackagefiles::readWithin(directory, path, largest);
+    if (!bytes)
+        return 0;
+    storeFile(path, *bytes);
+    return bytes->size();
 }
 
 QByteArray NDOPLocalResourceDataPreloader::fileData(const QString& path) const

@@ -46,7 +46,7 @@ private:
     void init();
     void startCleanTimer();
     void loadListedFiles(const QString& packageRoot);
-    void loadFileOf(const QString& packageRoot, const QString& path);
+    qint64 load(const QString& directory, const QString& path, qint64 largest);
 
     std::atomic<bool> m_stopping{false};
     QHash<QString, QByteArray> m_files; //!< by path with native separators

@@ -5,7 +5,6 @@
 #include "base/NReadOnce.h"
 #include "offline/DeleteOnOwnThread.h"
 #include "offline/NDOPLocalResourceDataPreloader.h"
-#include "offline/PackageFiles.h"
 #include "offline/ResourceRequests.h"
 #include "proxy/NCloudDocsRecordManager.h"
 #include "proxy/NConfigCentreValues.h"
@@ -120,12 +119,13 @@ void NDOPResourceManager::onPreloadedDataClean()
                    "NDocsOfflinePage::NDOPResourceManager::onPreloadedDataClean");
 }
 
-QByteArray NDOPResourceManager::readPreloadedOrDisk(const QString& directory, const QString& path) const
+QByteArray NDOPResourceManager::readPreloadedOrDisk(const QString& directory, const QString& path,
+                                                    qint64 largest) const
 {
     QByteArray bytes = m_preloader->fileData(path);
-    if (!bytes.isEmpty() || !npackagefiles::isFileWithin(directory, path))
+    if (!bytes.isEmpty())
         return bytes;
-    bytes = npackagefiles::readWhole(path).value_or(QByteArray());
+    bytes = npackagefiles::readWithin(directory, path, largest).value_or(QByteArray());
     if (!bytes.isEmpty())
         m_preloader->storeFile(path, bytes);
     return bytes;
@@ -137,9 +137,7 @@ QByteArray NDOPResourceManager::readCached(const QString& packageRoot, const QSt
     const auto cached = m_fileCache.constFind(key);
     if (cached != m_fileCache.constEnd())
         return *cached;
-    if (!npackagefiles::isFileWithin(packageRoot, path))
-        return {};
-    const std::optional<QByteArray> bytes = npackagefiles::readWhole(path);
+    const auto bytes = npackagefiles::readWithin(packageRoot, path, npackagefiles::largestPage);
     return bytes ? *m_fileCache.insert(key, *bytes) : QByteArray();
 }
 
@@ -182,7 +180,9 @@ void NDOPResourceManager::readDOPPreloadedHtmlData(
         return;
     answerHtml(packageRoot, injectId, *callback,
                "NDocsOfflinePage::NDOPResourceManager::readDOPPreloadedHtmlData",
-               [this, &packageRoot](const QString& path) { return readPreloadedOrDisk(packageRoot, path); });
+               [this, &packageRoot](const QString& path) {
+                   return readPreloadedOrDisk(packageRoot, path, npackagefiles::largestPage);
+               });
 }
 
 void NDOPResourceManager::readDOPPreloadedJsData(
@@ -305,12 +305,32 @@ NDOPResourceManager::Counts NDOPResourceManager::counts() const
 
 // Injection.
 
-QByteArray NDOPResourceManager::injected(const QByteArray& html, const QString& packageRoot,
-                                         const QString& injectId, const QString& officeType)
+template <typename Change>
+void NDOPResourceManager::changeInjectRecord(const QString& injectId, Change change)
 {
     const std::lock_guard<std::mutex> lock(m_lock);
     const auto record = m_injectRecords.find(injectId);
-    return record == m_injectRecords.end() ? html : record->injectHtml(html, officeType, packageRoot);
+    if (record != m_injectRecords.end())
+        change(*record);
+}
+
+QByteArray NDOPResourceManager::injected(const QByteArray& html, const QString& packageRoot,
+                                         const QString& injectId, const QString& officeType)
+{
+    std::optional<NDOPInjectHtml> record = injectRecord(injectId);
+    if (!record)
+        return html;
+    // Reads files: nobody else waits for them at the lock.
+    QByteArray page = record->injectHtml(html, officeType, packageRoot);
+    changeInjectRecord(injectId, [&page](NDOPInjectHtml& kept) { page = kept.keepPage(page); });
+    return page;
+}
+
+std::optional<NDOPInjectHtml> NDOPResourceManager::injectRecord(const QString& injectId) const
+{
+    const std::lock_guard<std::mutex> lock(m_lock);
+    const auto found = m_injectRecords.constFind(injectId);
+    return found == m_injectRecords.constEnd() ? std::nullopt : std::optional(*found);
 }
 
 void NDOPResourceManager::createInjectRecord(const QString& injectId)
@@ -323,15 +343,6 @@ void NDOPResourceManager::removeInjectRecord(const QString& injectId)
 {
     const std::lock_guard<std::mutex> lock(m_lock);
     m_injectRecords.remove(injectId);
-}
-
-template <typename Change>
-void NDOPResourceManager::changeInjectRecord(const QString& injectId, Change change)
-{
-    const std::lock_guard<std::mutex> lock(m_lock);
-    const auto record = m_injectRecords.find(injectId);
-    if (record != m_injectRecords.end())
-        change(*record);
 }
 
 void NDOPResourceManager::setInjectConnId(const QString& injectId, const QString& connId)
@@ -376,15 +387,8 @@ bool NDOPResourceManager::isPageOfRecord(const QString& injectId, const QString&
 QString NDOPResourceManager::injectScriptFor(const QString& injectId, const QString& officeType,
                                              const QVariant& list) const
 {
-    NDOPInjectHtml record;
-    {
-        const std::lock_guard<std::mutex> lock(m_lock);
-        const auto found = m_injectRecords.constFind(injectId);
-        if (found == m_injectRecords.constEnd())
-            return {};
-        record = *found;
-    }
-    return record.buildInjectScript(officeType, list);
+    const std::optional<NDOPInjectHtml> record = injectRecord(injectId);
+    return record ? record->buildInjectScript(officeType, list) : QString();
 }
 
 } // namespace NDocsOfflinePage

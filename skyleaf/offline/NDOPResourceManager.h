@@ -2,6 +2,7 @@
 
 #include "offline/NDOPInjectHtml.h"
 #include "offline/NDOPResponseData.h"
+#include "offline/PackageFiles.h"
 #include "zeolite/IWebViewResourceProviderCallback.h"
 
 #include <QMap>
@@ -95,8 +96,12 @@ public:
         int waiting = 0;
     };
     Counts counts() const;
-    /** The bytes of a file below `directory` from memory, else from the disk and kept. Any thread. */
-    QByteArray readPreloadedOrDisk(const QString& directory, const QString& path) const;
+    /**
+     * The bytes of a file below `directory` from memory, else from the disk and kept; none for one of more
+     * than `largest`. Any thread.
+     */
+    QByteArray readPreloadedOrDisk(const QString& directory, const QString& path,
+                                   qint64 largest = npackagefiles::largestScript) const;
 
 Q_SIGNALS:
     void startPreloadLocalResource(const QString& packageRoot, const QString& officeType);
@@ -133,6 +138,7 @@ private:
                     IWebViewResourceProviderCallback& callback, const char* operation, ReadHtml readHtml);
     void setResponse(const QString& requestKey, const NDOPResponseData& data);
     void dropTimer(const QString& requestKey);
+    std::optional<NDOPInjectHtml> injectRecord(const QString& injectId) const;
     template <typename Change>
     void changeInjectRecord(const QString& injectId, Change change);
 

@@ -6,6 +6,7 @@
 #include "offline/IStorageTransferHost.h"
 #include "offline/LocalPackagePath.h"
 #include "offline/PackageFiles.h"
+#include "offline/PackagePlace.h"
 #include "offline/TavaProcess.h"
 #include "zeolite/JsonHelper.h"
 #include "zeolite/NxWebViewAsynJSObject.h"
@@ -180,10 +181,10 @@ void NDOPStorageInfoHandler::upload(NxWebViewJSContext& context)
     if (root.isEmpty())
         return replyError(context, QStringLiteral("localPckRootPath isEmpty"));
     m_uploadCallback = context.getValue(QStringLiteral("callback")).toString();
-    const QString zipPath = below(root, transfer.relativePos);
-    if (!npackagefiles::isFileWithin(root, zipPath))
+    const auto zipPath = npackageplace::pathOf(npackageplace::resolvedRoot(root), transfer.relativePos);
+    if (!zipPath || !QFileInfo(*zipPath).isFile())
         return replyError(context, QStringLiteral("uploadZipFile not exist"));
-    host->uploadPackage(transfer.address, packageInfo, zipPath);
+    host->uploadPackage(transfer.address, packageInfo, *zipPath);
 }
 
 void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
@@ -202,7 +203,10 @@ void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
     const QString path = below(root, transfer.relativePos);
     if (nrt::dirs::inBlackDownloadDir(path))
         return replyError(context, QStringLiteral("relativePos unsafe in installRootDir"));
-    if (!npackagefiles::isPlaceWithin(root, path))
+    const QFileInfo present(path);
+    const bool isOdd =
+        present.exists() && !present.isFile() && !present.isDir(); // a pipe would hold the download
+    if (isOdd || !npackagefiles::isPlaceWithin(root, path))
         return replyError(context, QStringLiteral("relativePos is invalid"));
     m_downloadCallback = context.getValue(QStringLiteral("callback")).toString();
     host->downloadPackage(transfer.address, path);

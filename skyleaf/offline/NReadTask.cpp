@@ -4,15 +4,15 @@
 
 #include <QFileInfo>
 
-NReadTask::NReadTask(const QString& path)
-    : m_path(QFileInfo(path).canonicalFilePath())
+NReadTask::NReadTask(QString path)
+    : m_path(std::move(path))
 {
 }
 
 void NReadTask::run()
 {
-    const std::optional<QByteArray> content = nlinklessfiles::readFile(m_path);
-    m_ok = content.has_value();
-    m_data = content.value_or(QByteArray());
+    const nrt::files::Reading content = nlinklessfiles::readFile(m_path);
+    m_ok = bool(content);
+    m_data = content.bytes;
     Q_EMIT finished(m_ok, m_data);
 }

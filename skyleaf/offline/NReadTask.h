@@ -6,14 +6,14 @@
 #include <QString>
 
 /**
- * Reads a file whole on a pool thread, which deletes the task afterwards. Symbolic links count as they are
- * when the task is made: one that appears later fails it.
+ * Reads a file whole on a pool thread, which deletes the task afterwards. The path is one of nlinklessfiles:
+ * a symbolic link on its way fails the task, whenever it appears.
  */
 class NReadTask : public QObject, public QRunnable
 {
     Q_OBJECT
 public:
-    explicit NReadTask(const QString& path);
+    explicit NReadTask(QString path);
 
     void run() override;
 

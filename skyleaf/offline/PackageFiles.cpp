@@ -1,5 +1,8 @@
 #include "offline/PackageFiles.h"
 
+#include "base/NDocsLog.h"
+#include "nrt/files.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -8,23 +11,49 @@
 
 namespace npackagefiles {
 
-std::optional<QByteArray> readWhole(const QString& path)
+namespace {
+
+QString withSlash(const QString& directory)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return std::nullopt;
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return std::nullopt;
-    return bytes;
+    return directory.endsWith(u'/') ? directory : directory + u'/';
+}
+
+/** Where an open file lies, whatever is at its path meanwhile. */
+QString placeOf(const QFile& file)
+{
+    return QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(file.handle())).symLinkTarget();
+}
+
+nrt::files::Reading readBelow(const QString& root, const QString& path, qint64 largest)
+{
+    using nrt::files::Fault;
+    QFile file;
+    const QString failure = nrt::files::open(file, path, QIODevice::ReadOnly);
+    if (!failure.isEmpty())
+        return {{}, QFileInfo::exists(path) ? Fault::Unreadable : Fault::Missing, failure};
+    if (root.isEmpty() || !placeOf(file).startsWith(withSlash(root)))
+        return {{}, Fault::NotRegular, QStringLiteral("it is not a file of the package")};
+    return nrt::files::readOpen(file.handle(), largest);
+}
+
+} // namespace
+
+std::optional<QByteArray> readWithin(const QString& directory, const QString& path, qint64 largest)
+{
+    const nrt::files::Reading file = readBelow(QFileInfo(directory).canonicalFilePath(), path, largest);
+    if (file)
+        return file.bytes;
+    if (file.fault != nrt::files::Fault::Missing)
+        ndocslog::warning(QStringLiteral("%1 is not used: %2").arg(path, file.reason),
+                          "npackagefiles::readWithin");
+    return std::nullopt;
 }
 
 bool isFileWithin(const QString& directory, const QString& path)
 {
     const QString root = QFileInfo(directory).canonicalFilePath();
     const QFileInfo file(path);
-    return !root.isEmpty() && file.isFile() &&
-           file.canonicalFilePath().startsWith(root.endsWith(u'/') ? root : root + u'/');
+    return !root.isEmpty() && file.isFile() && file.canonicalFilePath().startsWith(withSlash(root));
 }
 
 bool isPlaceWithin(const QString& directory, const QString& path)

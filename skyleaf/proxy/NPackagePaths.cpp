@@ -1,11 +1,11 @@
 #include "proxy/NPackagePaths.h"
 
 #include "base/NReadOnce.h"
+#include "nrt/files.h"
 #include "zeolite/NCoreApplication.h"
 #include "zeolite/NPlugin.h"
 
 #include <QDir>
-#include <QFile>
 #include <QHash>
 
 #include <memory>
@@ -28,10 +28,8 @@ QString readPluginVersion(const QString& directory)
     const QString known = knownVersions().value(directory);
     if (!known.isEmpty() || directory.isEmpty())
         return known;
-    QFile file(QDir(directory).filePath(QStringLiteral("version")));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QString version = QString::fromUtf8(file.read(longestVersion)).trimmed();
+    const QString path = QDir(directory).filePath(QStringLiteral("version"));
+    const QString version = QString::fromUtf8(nrt::files::read(path, longestVersion).bytes).trimmed();
     if (!version.isEmpty())
         knownVersions().insert(directory, version);
     return version;

@@ -4,6 +4,7 @@
 #include "bridge/clipboard/CefClipboardEventMimeCustomParser.h"
 #include "bridge/clipboard/CefClipboardEventMimeHtmlBuilder.h"
 #include "bridge/clipboard/ClipboardContents.h"
+#include "bridge/clipboard/ClipboardImages.h"
 #include "bridge/clipboard/CompactJson.h"
 #include "bridge/clipboard/CustomMimeFormat.h"
 #include "bridge/clipboard/HtmlFormat.h"
@@ -15,6 +16,8 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QMimeData>
+#include <QTest>
+#include <QThreadPool>
 #include <QUrl>
 
 namespace {
@@ -104,7 +107,7 @@ TEST(CustomMime, RunningOutOfMemoryIsLoggedAndLeavesTheOtherFormats)
     QVariantMap arguments{{s("text/plain"), s("kept")}};
     for (int i = 0; i < 16; ++i)
         arguments.insert(s("text/zqdoc%1").arg(i), shared);
-    const auto content = clipboardcontents::fromArguments(arguments);
+    const auto content = clipboardcontents::fromArguments(arguments).content;
     EXPECT_EQ(content->formats(), QStringList{s("text/plain")});
     EXPECT_EQ(log.lines(), QStringList{s("error [CefClipboardEventMimeCustomBuilder] "
                                          "getMimeByteArray throw bad_alloc")});
@@ -161,7 +164,7 @@ TEST(ClipboardArguments, BecomeMimeData)
     QByteArray png;
     QBuffer buffer(&png);
     QImage(2, 3, QImage::Format_RGB32).save(&buffer, "PNG");
-    const auto content = clipboardcontents::fromArguments(
+    const auto [content, pictures] = clipboardcontents::fromArguments(
         {{s("Text/Uri-List"), QStringList{s("https://d.test/a b"), s("file:///tmp/ä")}},
          {s("x/ZQDOC"), QVariantMap{{s("n"), 1}}},
          {s("text/html"), s("<b>ü</b>")},
@@ -173,12 +176,40 @@ TEST(ClipboardArguments, BecomeMimeData)
     EXPECT_EQ(content->data(s(custommime::formatName)),
               custommime::build({{s("x/zqdoc"), QVariantMap{{s("n"), 1}}}}));
     EXPECT_EQ(content->data(s("text/html")), htmlformat::build("<b>\xc3\xbc</b>"));
-    EXPECT_EQ(content->imageData().value<QImage>().size(), QSize(2, 3));
+    EXPECT_EQ(clipboardimages::lastOf(pictures).size(), QSize(2, 3));
     EXPECT_EQ(content->data(s("text/plain")), "\xc3\xbc");
     EXPECT_EQ(content->data(s("text/number")), "12");
     EXPECT_EQ(content->data(s("text/list")), "");
     for (const QVariant& broken : {QVariant(s("####")), QVariant(s("R0lGODdhAQ==")), QVariant(QVariantMap())})
-        EXPECT_FALSE(clipboardcontents::fromArguments({{s("image/base64"), broken}})->hasImage());
+        EXPECT_TRUE(
+            clipboardimages::lastOf(clipboardcontents::fromArguments({{s("image/base64"), broken}}).pictures)
+                .isNull());
+}
+
+/** A PNG of one colour, which takes few bytes whatever its size. */
+QByteArray plainPng(const QSize& size)
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    QImage image(size, QImage::Format_Mono);
+    image.fill(1);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
+TEST(ClipboardImages, ThoseOfTooManyPointsAreNotDecoded)
+{
+    const LogRecorder log;
+    const QByteArray large = plainPng({4097, 4096});
+    const QByteArray small = plainPng({16, 16});
+    EXPECT_EQ(clipboardimages::lastOf({small, large}).size(), QSize(16, 16));
+    EXPECT_EQ(clipboardimages::lastOf({large, small, "no picture"}).size(), QSize(16, 16));
+    EXPECT_EQ(log.lines().filter(s("a picture of 16781312 points is left out")).size(), 1);
+    EXPECT_FALSE(clipboardimages::toPng({{}, large}).isEmpty()) << "read, but not placed";
+    EXPECT_TRUE(clipboardimages::toPng({{}, plainPng({8193, 8192})}).isEmpty());
+    EXPECT_TRUE(clipboardimages::toPng({QImage(8193, 8192, QImage::Format_Mono), {}}).isEmpty());
+    EXPECT_TRUE(clipboardimages::areSmall({small}));
+    EXPECT_FALSE(clipboardimages::areSmall({small, large}));
 }
 
 class ClipboardMethods : public BridgeFixture
@@ -248,6 +279,42 @@ TEST_F(ClipboardMethods, AnswerWhatOtherProgramsPlace)
     const QByteArray png =
         QByteArray::fromBase64(resultOf(picture).value(s("image/png")).toString().toLatin1());
     EXPECT_EQ(QImage::fromData(png, "PNG").size(), QSize(2, 3));
+}
+
+TEST_F(ClipboardMethods, LargePicturesAreMadeElsewhereAndLaterCallsFollow)
+{
+    const auto ask = [this](const char* name, const QJsonObject& arguments) {
+        bridge->fromJSAsynCall(QString::fromUtf8(
+            QJsonDocument(QJsonObject{{s("id"), s(name)}, {s("name"), s(name)}, {s("args"), arguments}})
+                .toJson(QJsonDocument::Compact)));
+    };
+    const auto& resolved = container->transport.resolved;
+    QGuiApplication::clipboard()->setText(s("earlier"));
+    ask("setClipboardData",
+        {{s("image/base64"), base64(plainPng({1000, 1000}))}, {s("text/plain"), s("set")}});
+    ask("readClipboard", {});
+    ask("getClipboardData", {});
+    ask("writeClipboard", {{s("data"), QJsonObject{{s("type"), s("text")}, {s("content"), s("written")}}}});
+    EXPECT_TRUE(resolved.empty());
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), s("earlier"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return resolved.size() == 4; }, 30000));
+    EXPECT_EQ(resolved[0].json, R"({"callstatus":"ok"})");
+    EXPECT_EQ(json(resolved[1].json).value(s("content")), s("set"));
+    const QJsonObject got = json(resolved[2].json).value(s("result")).toObject();
+    EXPECT_EQ(got.value(s("text/plain")), base64("set"));
+    EXPECT_EQ(
+        QImage::fromData(QByteArray::fromBase64(got.value(s("image/png")).toString().toLatin1())).size(),
+        QSize(1000, 1000));
+    EXPECT_EQ(resolved[3].callId, s("writeClipboard"));
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), s("written"));
+
+    // A page that goes takes its calls along.
+    ask("setClipboardData", {{s("image/base64"), base64(plainPng({1000, 1000}))}});
+    ask("writeClipboard", {{s("data"), QJsonObject{{s("type"), s("text")}, {s("content"), s("late")}}}});
+    delete bridge;
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), s("written"));
 }
 
 TEST_F(ClipboardMethods, MoveTextAndCloudFiles)

@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include <QCryptographicHash>
 #include <QDate>
 #include <QDir>
 #include <QFile>
@@ -12,6 +13,7 @@
 #include "nrt/KeyValueFile.h"
 #include "nrt/NrtHost.h"
 #include "nrt/kcc.h"
+#include "support/OddFiles.h"
 
 namespace {
 
@@ -86,6 +88,52 @@ TEST_F(KeyValueStore, SetsADamagedFileAside)
         EXPECT_TRUE(store.setValue(key, 1));
         EXPECT_EQ(nrt::KeyValueFile(storePath()).value(key), QVariant(1));
     }
+}
+
+TEST_F(KeyValueStore, WhatIsNoFileIsSetAsideUnlessItIsAFolder)
+{
+    for (const char* place : {"kcc.store", "kcc.store.lock"}) {
+        for (const OddFile& odd : oddFiles) {
+            ASSERT_TRUE(putOddFile(odd, directory.filePath(QLatin1String(place)))) << place << odd.name;
+            const bool isBlocked = QFileInfo(storePath()).isDir();
+            nrt::KeyValueFile store(storePath());
+            EXPECT_FALSE(store.value(key).isValid());
+            EXPECT_EQ(store.setValue(key, 1), !isBlocked) << place << odd.name;
+            EXPECT_EQ(store.value(key), QVariant(1)) << place << odd.name;
+            EXPECT_EQ(nrt::KeyValueFile(storePath()).value(key).isValid(), !isBlocked) << place << odd.name;
+            QDir(storePath()).removeRecursively();
+            QFile::remove(storePath());
+            QFile::remove(storePath() + QStringLiteral(".lock"));
+            QDir(storePath() + QStringLiteral(".lock")).removeRecursively();
+        }
+    }
+}
+
+TEST_F(KeyValueStore, AFileThatAsksForMoreThanItHoldsIsDamaged)
+{
+    QVariant deep;
+    for (int i = 0; i < 200; ++i)
+        deep = QVariantList{deep};
+    EXPECT_FALSE(nrt::isStorable(deep));
+    const QByteArray variantList = QByteArray::fromHex("00000009 00 ffffffff");
+    const QByteArray picture = QByteArray::fromHex("00000046 00 00000000");
+    const QByteArray noZone = QByteArray::fromHex("00000010 00 0000000000258960 00ffffff ff");
+    for (const QByteArray& value : {variantList, picture, noZone}) {
+        const QByteArray payload = QByteArray::fromHex("00000001 00000002 0061") + value;
+        const QByteArray file =
+            "NKCC1\n" + QCryptographicHash::hash(payload, QCryptographicHash::Sha256) + payload;
+        EXPECT_FALSE(nrt::decodeKeyValues(file)) << value.toHex().constData();
+    }
+    EXPECT_FALSE(nrt::decodeKeyValues(nrt::encodeKeyValues({{key, deep}})));
+}
+
+TEST_F(KeyValueStore, DoesNotGrowBeyondWhatIsRead)
+{
+    nrt::KeyValueFile store(storePath());
+    EXPECT_TRUE(store.setValue(key, 1));
+    EXPECT_FALSE(store.setValue(QStringLiteral("large"), QByteArray(65 << 20, 'x'))) << "in memory only";
+    EXPECT_EQ(store.value(QStringLiteral("large")).toByteArray().size(), 65 << 20);
+    EXPECT_EQ(nrt::KeyValueFile(storePath()).value(key), QVariant(1));
 }
 
 TEST_F(KeyValueStore, SharesTheFileWithOtherWriters)

@@ -2,12 +2,14 @@
 
 #include <gmock/gmock.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include "KilledWriter.h"
 #include "nrt/FileLock.h"
 #include "nrt/NrtHost.h"
+#include "support/OddFiles.h"
 
 namespace {
 
@@ -75,6 +77,27 @@ TEST_F(Settings, AreNotHeldUpByALockWithoutOwner)
     lock.resize(0);
     nrt::removeAbandonedLockFile(path, 1);
     EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(Settings, WhatIsNoFileIsSetAside)
+{
+    const QString path = filePath(QStringLiteral("Common"));
+    const QString key = QStringLiteral("key");
+    for (const OddFile& odd : oddFiles) {
+        nrt::NCCCommonSettings().setValue(key, 1);
+        nrt::NCCCommonSettings open;
+        ASSERT_TRUE(putOddFile(odd, path)) << odd.name;
+        EXPECT_EQ(nrt::NCCCommonSettings().value(key, 0).toInt(), 0) << odd.name;
+        if (QFileInfo(path).isDir()) {
+            open.setValue(key, 2);
+            EXPECT_EQ(open.value(key).toInt(), 2) << "in memory";
+            EXPECT_TRUE(QDir(path).removeRecursively());
+            continue;
+        }
+        ASSERT_TRUE(putOddFile(odd, path)) << odd.name;
+        open.setValue(key, 2);
+        EXPECT_EQ(nrt::NCCCommonSettings().value(key).toInt(), 2) << odd.name;
+    }
 }
 
 TEST_F(Settings, KeepACopyOfADamagedFile)

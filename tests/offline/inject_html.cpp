@@ -4,6 +4,7 @@
 #include "offline/LocalPackagePath.h"
 #include "offline/NDOPInjectHtml.h"
 #include "proxy/NDOPConfig.h"
+#include "support/OddFiles.h"
 
 #include <QJsonArray>
 
@@ -82,6 +83,101 @@ TEST_F(InjectHtml, AListSaysWhichLinesAreWritten)
     const QString offlineSwitch = QStringLiteral("_LOCAL_INJECT_DATA_OFFLINESWITCH");
     EXPECT_TRUE(scriptOf({offlineSwitch}).endsWith(u"= true;"));
     EXPECT_TRUE(record.buildInjectScript({}, QJsonArray{offlineSwitch}).endsWith(u"= false;"));
+}
+
+TEST_F(InjectHtml, NothingOfAValueEndsOrSwallowsTheScript)
+{
+    const struct
+    {
+        const char* value;
+        const char* written;
+    } cases[] = {
+        {R"({"n":"a<!--<script>"})", R"({"n":"a\u003c!--\u003cscript>"})"},
+        {R"({"n":"<ScRiPt</sCript>"})", R"({"n":"\u003cScRiPt<\/sCript>"})"},
+        {"[\"\xe2\x80\xa8x\xe2\x80\xa9\"]", R"(["\u2028x\u2029"])"},
+        {R"('\<!--\\<!--')", R"('\u003c!--\\\u003c!--')"},
+        {R"('<div><scrip t><!-')", R"('<div><scrip t><!-')"},
+        {R"(["ä", '"', "'", "\"", "\\", "/*", "//", "`", "\u0041;"])",
+         R"(["ä", '"', "'", "\"", "\\", "/*", "//", "`", "\u0041;"])"},
+        {" 1 ", " 1 "},
+        // What would not stay one value counts as none.
+        {" ", "null"},
+        {R"({"a": "cut)", "null"},
+        {R"({"a": "cut\)", "null"},
+        {R"({"a": [1, 2})", "null"},
+        {"[1]]", "null"},
+        {"'a\nb'", "null"},
+        {"1;alert(1)", "null"},
+        {"1 /* swallowed", "null"},
+        {"1 // swallowed", "null"},
+        {"`swallowed", "null"},
+        {"1 <!-- swallowed", "null"},
+        {"1 <script>", "null"},
+    };
+    for (const auto& [value, expected] : cases) {
+        const QString line = QStringLiteral(" = %1;").arg(QString::fromUtf8(expected));
+        record.setFileInfo(value);
+        EXPECT_TRUE(scriptOf({QStringLiteral("_LOCAL_INJECT_DATA_FILEINFO")}).endsWith(line)) << value;
+        write("user/quillfile/L1/sync/content.word", value);
+        EXPECT_TRUE(scriptOf({QStringLiteral("_LOCAL_INJECT_DATA")}).endsWith(line)) << value;
+    }
+    write("user/quillfile/L1/sync/content.word", QByteArray(2000, '[') + QByteArray(2000, ']'));
+    EXPECT_TRUE(scriptOf({QStringLiteral("_LOCAL_INJECT_DATA")}).endsWith(u"= null;"))
+        << "too deep to be read";
+    EXPECT_TRUE(hasLogged(QStringLiteral("the local content is not injected: it is no whole value")));
+    write("user/quillfile/L1/cache/csr.html", "<!--<script>\xe2\x80\xa8</textarea><plaintext>");
+    EXPECT_TRUE(scriptOf({QStringLiteral("_LOCAL_INJECT_CACHE")})
+                    .endsWith(u"= {\"csr\":\"\\u003c!--\\u003cscript>\\u2028<\\\\/textarea><plaintext>\"};"));
+}
+
+TEST_F(InjectHtml, OnlyFilesOfThePackageAreInjected)
+{
+    const QString content = directory.filePath(QStringLiteral("user/quillfile/L1/sync/content.word"));
+    const QString rendering = directory.filePath(QStringLiteral("user/quillfile/L1/cache/csr.html"));
+    const QString list = package + QStringLiteral("/inject.json");
+    const auto writeAll = [this] {
+        write("user/quillfile/L1/sync/content.word", "1");
+        write("user/quillfile/L1/cache/csr.html", "x");
+        write("package/inject.json", R"(["_LOCAL_INJECT_DATA", "_LOCAL_INJECT_CACHE"])");
+    };
+    writeAll();
+    const QString outside = write("outside", "2");
+    const auto page = [this] {
+        NDOPInjectHtml fresh = record;
+        return fresh.injectHtml("<!--__INJECT__-->", word, package);
+    };
+    ASSERT_TRUE(page().contains("content = 1;") && page().contains("\"csr\":\"x\""));
+    for (const OddFile& odd : oddFiles) {
+        for (const QString& place : {content, rendering, list}) {
+            ASSERT_TRUE(putOddFile(odd, place)) << odd.name;
+            const QByteArray injected = page();
+            EXPECT_EQ(injected.contains("content = 1;"), place != content) << odd.name;
+            EXPECT_EQ(injected.contains("{\"csr\":\"x\"}"), place != rendering) << odd.name;
+            QDir(place).removeRecursively();
+            QFile::remove(place);
+            writeAll();
+        }
+    }
+    for (const auto& link : {+[](const QString&from, const QString&to) { return QFile::link(from, to); },
+                             +[](const QString&from, const QString&to) {
+                                 return ::link(qUtf8Printable(from), qUtf8Printable(to)) == 0;
+                             }}) {
+        QFile::remove(content);
+        ASSERT_TRUE(link(outside, content));
+        EXPECT_TRUE(page().contains("content = null;"));
+    }
+    EXPECT_TRUE(hasLogged(QStringLiteral("content.word is not injected: it is a file of elsewhere as well")));
+    EXPECT_TRUE(hasLogged(QStringLiteral("content.word is not injected: it has more than 33554432 bytes")));
+
+    // The directories themselves are the package's, too.
+    QDir().mkpath(directory.filePath(QStringLiteral("other/sync")));
+    write("other/sync/content.word", "3");
+    ASSERT_TRUE(QFile::link(directory.filePath(QStringLiteral("other/sync")),
+                            directory.filePath(QStringLiteral("user/quillfile/L1/linked"))));
+    for (const char* path : {"/linked", "/../../../other/sync"}) {
+        record.setPackagePaths(QLatin1String(path), QStringLiteral("/cache"));
+        EXPECT_TRUE(page().contains("content = null;")) << path;
+    }
 }
 
 TEST_F(InjectHtml, ThePageIsBuiltOnce)

@@ -1,5 +1,6 @@
 #include "OfflineFixture.h"
 #include "offline/NDOPLocalResourceDataPreloader.h"
+#include "support/OddFiles.h"
 
 #include <QSignalSpy>
 
@@ -77,7 +78,31 @@ TEST_F(Preloader, NothingOutsideThePackageIsRead)
     EXPECT_EQ(data("../secret") + data("link.js") + preloader->fileData(package + u"-evil/x.js"),
               QByteArray());
     EXPECT_EQ(data("alias/a.js"), "a") << "a link within the package";
-    EXPECT_TRUE(hasLogged(QStringLiteral("/link.js is not a file of the package")));
+    EXPECT_TRUE(hasLogged(QStringLiteral("/link.js is not used: it is not a file of the package")));
+}
+
+TEST_F(Preloader, WhatIsNoFileIsLeftOut)
+{
+    makePreloader();
+    write("package/good.js", "good");
+    write("package/preload-file.json", R"({"pc": ["/odd.js", "/good.js"]})");
+    for (const OddFile& odd : oddFiles) {
+        preloader->onClean();
+        ASSERT_TRUE(putOddFile(odd, package + QStringLiteral("/odd.js")));
+        read();
+        EXPECT_EQ(data("good.js"), "good") << odd.name;
+        EXPECT_EQ(data("odd.js"), QByteArray()) << odd.name;
+        QDir(package + QStringLiteral("/odd.js")).removeRecursively();
+    }
+    for (const OddFile& odd : oddFiles) {
+        preloader->onClean();
+        ASSERT_TRUE(putOddFile(odd, package + QStringLiteral("/preload-file.json")));
+        read();
+        EXPECT_EQ(data("good.js"), QByteArray()) << odd.name;
+        QDir(package + QStringLiteral("/preload-file.json")).removeRecursively();
+    }
+    EXPECT_TRUE(hasLogged(QStringLiteral("preload-file.json cannot be opened")));
+    EXPECT_TRUE(hasLogged(QStringLiteral("odd.js is not used: it has more than")));
 }
 
 TEST_F(Preloader, DataIsDroppedSomeMinutesAfterTheLastPackage)

@@ -5,6 +5,7 @@
 #include "proxy/NCloudDocsRecordManager.h"
 #include "support/FakeBrowserWidget.h"
 #include "support/HttpStub.h"
+#include "support/OddFiles.h"
 
 #include <algorithm>
 #include <thread>
@@ -205,6 +206,32 @@ TEST_F(ResourceManager, ScriptsComeFromTheScriptDirectoryOnly)
         EXPECT_TRUE(callback->body().isEmpty()) << name;
     }
     EXPECT_EQ(ask(scripts + QStringLiteral("a.js"))->body(), "a");
+}
+
+TEST_F(ResourceManager, WhatCannotBeServedIsLeftToTheNetwork)
+{
+    const QString page = write("package/dist_langs/zh-CN/index-w.html", "<p>");
+    const QString script = write("package/weboffice-static/js/a.js", "a");
+    for (const bool isPreloading : {false, true}) {
+        if (isPreloading)
+            switchPreloadingOn();
+        browser.resourceCache.clear();
+        manager().registerHtmlHandlers(origin, package, inject, &browser);
+        manager().registerScriptHandlers(origin, package, &browser);
+        for (const OddFile& odd : oddFiles) {
+            ASSERT_TRUE(putOddFile(odd, page));
+            ASSERT_TRUE(putOddFile(odd, script));
+            const Callback answer = ask(QStringLiteral("/p/7?officeType=w"));
+            ASSERT_TRUE(waitUntil([&] { return answer->answers() == 1; })) << odd.name;
+            EXPECT_TRUE(answer->body().isEmpty()) << odd.name; // the gateway forwards the request
+            if (isPreloading) {
+                EXPECT_TRUE(ask(QStringLiteral("/hybrid/weboffice-static/js/a.js"))->body().isEmpty());
+            }
+            QDir(page).removeRecursively();
+            QDir(script).removeRecursively();
+        }
+    }
+    EXPECT_TRUE(hasLogged(QStringLiteral("index-w.html is not used: it has more than 8388608 bytes")));
 }
 
 TEST_F(ResourceManager, APackageIsPreloadedOnceUntilItsDataGoes)

@@ -10,6 +10,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -97,7 +98,8 @@ TEST_F(StorageFiles, WrongArgumentsAreRepliedInOrder)
         {"unzip", R"({"distRelativePos":"d"})", "srcPath isVaild"},
     };
     for (const auto& each : cases)
-        EXPECT_EQ(ask(each.method, each.arguments), error(each.error)) << each.method << each.arguments.constData();
+        EXPECT_EQ(ask(each.method, each.arguments), error(each.error))
+            << each.method << each.arguments.constData();
     EXPECT_EQ(callbacks(), "");
     EXPECT_TRUE(shell.cloud.calls.isEmpty());
 }
@@ -172,6 +174,18 @@ TEST_F(StorageFiles, NoPositionLeavesThePackage)
     EXPECT_EQ(ask("read", QByteArray(R"({"relativePos":"in/\u0000x"})")), error("relativePos is invalid"));
     EXPECT_EQ(callbacks(), "");
     EXPECT_EQ(QDir(outside).entryList(QDir::Files), QStringList(QStringLiteral("secret")));
+
+    // A second name of a file elsewhere is no link on the way, but none of the package's files either.
+    ASSERT_EQ(::link(qUtf8Printable(outside + QStringLiteral("/secret")),
+                     qUtf8Printable(root + QStringLiteral("/name"))),
+              0);
+    for (const char* method : {"read", "readDataSteam", "update", "writeDataSteam"}) {
+        ask(method, R"({"relativePos":"name","data":"b25l","append":true})");
+        EXPECT_TRUE(callbacks().startsWith(R"(cb {"callstatus":"fail")")) << method;
+    }
+    EXPECT_EQ(ask("create", R"({"relativePos":"name","data":"b25l"})"), done)
+        << "a file of its own takes the place";
+    EXPECT_EQ(content("name"), "one");
 
     // A link that is planted between the check of a path and its use.
     const QString planted = root + QStringLiteral("/out/secret");

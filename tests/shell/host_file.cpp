@@ -5,8 +5,11 @@
 #include <gmock/gmock.h>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
+
+#include "support/OddFiles.h"
 
 #include <memory>
 
@@ -127,6 +130,14 @@ TEST(HostFile, IsReadFromDiskAndNamedWhenItCannotBe)
     EXPECT_THAT(missing.error().text.toStdString(), HasSubstr(path.toStdString()));
     EXPECT_FALSE(shell::loadHostFile(dir.path())) << "a directory is no file";
 
+    for (const OddFile& odd : oddFiles) {
+        const QString place = dir.filePath(QLatin1String(odd.name));
+        ASSERT_TRUE(putOddFile(odd, place));
+        const auto refused = shell::loadHostFile(place);
+        ASSERT_FALSE(refused) << odd.name;
+        EXPECT_THAT(refused.error().text.toStdString(), HasSubstr(odd.name));
+    }
+
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write(R"({"plugins": {"w": {"path": "w"}}})");
@@ -135,6 +146,26 @@ TEST(HostFile, IsReadFromDiskAndNamedWhenItCannotBe)
     ASSERT_TRUE(host);
     EXPECT_EQ(host->path, path);
     EXPECT_EQ(host->plugins.value(QStringLiteral("w")).path, dir.filePath(QStringLiteral("w")));
+}
+
+TEST(HostFile, OfManyDomainsTheSuitesOwnAreAnsweredLocally)
+{
+    QByteArray domains;
+    constexpr int count = 50000;
+    for (int i = 0; i < count; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        domains += "\"a" + number + "\": \"https://a" + number + ".test\",";
+    }
+    QElapsedTimer watch;
+    watch.start();
+    const auto host = parse("{\"domains\": {" + domains + "\"quill\": \"https://own.test\"}}");
+    ASSERT_TRUE(host);
+    EXPECT_GT(host->domains.size(), count);
+    const QStringList hosts = host->interceptedHosts();
+    EXPECT_EQ(hosts.size(), HostFile::mostInterceptedHosts);
+    for (const char* own : {"own.test", "drive.skyleaf.test", "skyleaf.test"})
+        EXPECT_TRUE(hosts.contains(QLatin1String(own))) << own;
+    EXPECT_LT(watch.elapsed(), 10000);
 }
 
 TEST(UserMembers, MergeIsAllOrNothing)

@@ -4,11 +4,13 @@
 
 #include <cstdio>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest/QTest>
 
 #include "support/LogRecorder.h"
+#include "support/OddFiles.h"
 
 namespace {
 
@@ -100,6 +102,12 @@ TEST_F(Centre, KeepsTheLastGoodDataWhileTheFileIsWrong)
     for (const QString& line : log.lines())
         EXPECT_TRUE(line.startsWith(QLatin1String("warning [zeolite] configuration centre: ")))
             << qPrintable(line);
+    for (const OddFile& odd : oddFiles) {
+        ASSERT_TRUE(putOddFile(odd, path));
+        EXPECT_EQ(value(ConfigCentre(path, {}), 1), -1) << odd.name;
+        EXPECT_GT(log.lines().size(), complaints) << odd.name;
+        QDir(path).removeRecursively();
+    }
     EXPECT_TRUE(calls.isEmpty());
     replace("{\"configCentre\": {\"60\": {\"1\": {\"v\": 7}}}}");
     EXPECT_TRUE(waitForCalls({QStringLiteral("60/1")}));

@@ -8,6 +8,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "support/OddFiles.h"
+
 namespace {
 
 QStringList linesOf(const QString& path)
@@ -74,6 +76,30 @@ TEST(LogWriter, LinesOfASinkFollowTheLineThatItIsGiven)
     log.addSink([&seen](LogLevel, const QString&, const QString& text) { seen.append(text); });
     log.write(LogLevel::Info, {}, QStringLiteral("outer"));
     EXPECT_EQ(seen, QStringList({QStringLiteral("outer"), QStringLiteral("inner")}));
+}
+
+TEST(LogWriter, WritesToFilesOnly)
+{
+    for (const OddFile& odd : oddFiles) {
+        const QTemporaryDir directory;
+        const QString path = directory.filePath(QStringLiteral("shell.log"));
+        ASSERT_TRUE(putOddFile(odd, path)) << odd.name;
+        LogWriter log;
+        int lines = 0;
+        log.addSink([&lines](LogLevel, const QString&, const QString&) { ++lines; });
+        log.setFile(path);
+        testing::internal::CaptureStderr();
+        for (int i = 0; i < 3; ++i)
+            log.write(LogLevel::Info, QStringLiteral("a"), QStringLiteral("b"));
+        const std::string complaints = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(lines, 3);
+        const bool isFile =
+            !QFileInfo(path).isSymLink() && QFileInfo(path).isFile(); // begun anew, being full
+        EXPECT_EQ(isFile ? linesOf(path).size() : 3, 3) << odd.name;
+        EXPECT_EQ(QString::fromStdString(complaints).count(QStringLiteral("it is not a regular file")),
+                  isFile ? 0 : 1)
+            << complaints;
+    }
 }
 
 TEST(LogWriter, RotatesAtTheLimitAndKeepsOneOlderFile)

@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 
+#include "support/OddFiles.h"
+
 namespace {
 
 class Plugins : public testing::Test
@@ -29,11 +31,16 @@ protected:
 TEST_F(Plugins, LoadOnlyWhenComplete)
 {
     QDir(directory.path()).mkpath(QStringLiteral("noVersion"));
-    const QMap<QString, zeolite::PluginDirectories> directories = {
+    QMap<QString, zeolite::PluginDirectories> directories = {
         {QStringLiteral("good"), {package(QStringLiteral("good"), " 1.2.3\n"), {}}},
         {QStringLiteral("blank"), {package(QStringLiteral("blank"), "\n"), {}}},
         {QStringLiteral("noVersion"), {directory.filePath(QStringLiteral("noVersion")), {}}},
         {QStringLiteral("absent"), {directory.filePath(QStringLiteral("absent")), {}}}};
+    for (const OddFile& odd : oddFiles) {
+        const QString folder = package(QLatin1String(odd.name), "1.2.3");
+        ASSERT_TRUE(putOddFile(odd, folder + QStringLiteral("/version")));
+        directories.insert(QLatin1String(odd.name), {folder, {}});
+    }
     PluginStore store(directories);
     for (const QString& each : directories.keys()) {
         const bool good = each == QLatin1String("good");

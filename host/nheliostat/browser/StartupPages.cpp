@@ -1,12 +1,12 @@
 #include "nheliostat/browser/StartupPages.h"
 
+#include "nrt/files.h"
+
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -17,18 +17,18 @@ namespace {
 const QString urlMember = QStringLiteral("url");
 const QString titleMember = QStringLiteral("title");
 
+constexpr int mostStartupPages = 100;
+
 } // namespace
 
 QVector<StartupPage> readStartupPages(const QString& file)
 {
-    QFile source(file);
-    if (!source.open(QIODevice::ReadOnly))
-        return {};
+    constexpr qint64 largest = 1 << 20; // bytes
     QVector<StartupPage> pages;
-    const QJsonArray items = QJsonDocument::fromJson(source.readAll()).array();
+    const QJsonArray items = QJsonDocument::fromJson(nrt::files::read(file, largest).bytes).array();
     for (const QJsonValue& item : items) {
         const StartupPage page{item[urlMember].toString(), item[titleMember].toString()};
-        if (!page.url.isEmpty())
+        if (!page.url.isEmpty() && pages.size() < mostStartupPages)
             pages.append(page);
     }
     return pages;
@@ -41,6 +41,8 @@ bool addStartupPage(const QString& file, const StartupPage& page)
     const auto found = std::find_if(pages.begin(), pages.end(), isSame);
     if (found != pages.end())
         *found = page;
+    else if (pages.size() >= mostStartupPages)
+        return false;
     else
         pages.append(page);
 
@@ -48,9 +50,7 @@ bool addStartupPage(const QString& file, const StartupPage& page)
     for (const StartupPage& kept : qAsConst(pages))
         items.append(QJsonObject{{urlMember, kept.url}, {titleMember, kept.title}});
     QDir().mkpath(QFileInfo(file).absolutePath());
-    QSaveFile target(file);
-    return target.open(QIODevice::WriteOnly) && target.write(QJsonDocument(items).toJson()) >= 0 &&
-           target.commit();
+    return nrt::files::replace(file, QJsonDocument(items).toJson()).isEmpty();
 }
 
 } // namespace nheliostat::browser

@@ -1,22 +1,16 @@
 #include "nheliostat/framework/QuickAccessList.h"
 
 #include "nrt/FileLock.h"
+#include "nrt/files.h"
 #include "zeolite/NxLoggerLite.h"
-
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSaveFile>
 
 #include <algorithm>
 
 namespace {
 
 constexpr int lockTimeoutMs = 500;
-constexpr int longestName = 500;
+constexpr qint64 largestFile = 4LL << 20; //!< bytes
 
-const QString pinName = QStringLiteral("pinToQuickAccess");
 const QString logTag = QStringLiteral("nheliostat");
 
 QVector<QuickAccessEntry>::iterator find(QVector<QuickAccessEntry>& entries, const QString& fileId)
@@ -25,54 +19,7 @@ QVector<QuickAccessEntry>::iterator find(QVector<QuickAccessEntry>& entries, con
                         [&fileId](const QuickAccessEntry& each) { return each.fileId == fileId; });
 }
 
-QJsonObject toObject(const QuickAccessEntry& entry)
-{
-    return {{QStringLiteral("fileId"), entry.fileId},
-            {QStringLiteral("name"), entry.name},
-            {QStringLiteral("suffix"), entry.suffix}};
-}
-
-QVector<QuickAccessEntry> toEntries(const QJsonArray& array)
-{
-    QVector<QuickAccessEntry> entries;
-    for (const QJsonValue& each : array) {
-        const QJsonObject object = each.toObject();
-        const QuickAccessEntry entry{object.value(QLatin1String("fileId")).toString(),
-                                     object.value(QLatin1String("name")).toString().left(longestName),
-                                     object.value(QLatin1String("suffix")).toString()};
-        if (!entry.fileId.isEmpty() && find(entries, entry.fileId) == entries.end())
-            entries.append(entry);
-    }
-    return entries;
-}
-
 } // namespace
-
-bool isPinCommand(const QString& command)
-{
-    return command.section(u'&', 0, 0) == pinName;
-}
-
-std::optional<QuickAccessEntry> readPinCommand(const QString& command)
-{
-    constexpr int separatorAt = 4;
-    const QStringList expected{pinName, QStringLiteral("activate"), QStringLiteral("tab_menu"),
-                               QStringLiteral("cloudFile")};
-    const QStringList parts = command.split(u'&');
-    const QString separator = parts.value(separatorAt);
-    if (parts.mid(0, separatorAt) != expected || separator.isEmpty())
-        return std::nullopt;
-    // A file id may hold the character that parts the arguments.
-    const QStringList texts = parts.mid(separatorAt + 1).join(u'&').split(separator);
-    constexpr int textCount = 3;
-    if (texts.size() != textCount || texts.first().isEmpty())
-        return std::nullopt;
-    const auto name =
-        QByteArray::fromBase64Encoding(texts.last().toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
-    if (name.decodingStatus != QByteArray::Base64DecodingStatus::Ok)
-        return std::nullopt;
-    return QuickAccessEntry{texts.first(), QString::fromUtf8(name.decoded).left(longestName), {}};
-}
 
 QuickAccessList::QuickAccessList(const QString& path, QObject* parent)
     : QObject(parent)
@@ -81,39 +28,37 @@ QuickAccessList::QuickAccessList(const QString& path, QObject* parent)
     m_entries = read();
 }
 
-QVector<QuickAccessEntry> QuickAccessList::read() const
+QVector<QuickAccessEntry> QuickAccessList::read()
 {
-    QFile file(m_path);
-    if (m_path.isEmpty() || !file.exists())
+    using nrt::files::Fault;
+    m_isWritable = true;
+    const nrt::files::Reading file = m_path.isEmpty() ? nrt::files::Reading{{}, Fault::Missing, {}}
+                                                      : nrt::files::read(m_path, largestFile);
+    if (file.fault == Fault::Missing)
         return {};
-    QJsonParseError error{0, QJsonParseError::NoError};
-    QJsonDocument document;
-    const bool isRead = file.open(QIODevice::ReadOnly);
-    if (isRead)
-        document = QJsonDocument::fromJson(file.readAll(), &error);
-    file.close();
-    if (isRead && error.error == QJsonParseError::NoError && document.isObject())
-        return toEntries(document.object().value(QLatin1String("entries")).toArray());
+    QString complaint = file.reason;
+    const auto entries = file ? readQuickAccess(file.bytes, complaint) : std::nullopt;
+    if (!complaint.isEmpty() && complaint != m_complaint)
+        NxLoggerLite::writeWarning(logTag, QStringLiteral("quick access list %1: %2").arg(m_path, complaint));
+    m_complaint = complaint;
+    if (entries)
+        return *entries;
 
-    const QString aside = m_path + QStringLiteral(".corrupt");
-    NxLoggerLite::writeWarning(logTag,
-                               QStringLiteral("the quick access list %1 cannot be read (%2), it is set aside")
-                                   .arg(m_path, isRead ? error.errorString() : file.errorString()));
-    QFile::remove(aside);
-    QFile::rename(m_path, aside);
+    const QString aside = nrt::files::setAside(m_path);
+    m_isWritable = !aside.isEmpty();
+    NxLoggerLite::writeWarning(logTag, m_isWritable
+                                           ? QStringLiteral("quick access list: set aside as %1").arg(aside)
+                                           : QStringLiteral("quick access list: it cannot be set aside"));
     return {};
 }
 
 void QuickAccessList::write() const
 {
-    QJsonArray entries;
-    for (const QuickAccessEntry& entry : m_entries)
-        entries.append(toObject(entry));
-    const QByteArray text = QJsonDocument(QJsonObject{{QStringLiteral("entries"), entries}}).toJson();
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
-        NxLoggerLite::writeError(logTag, QStringLiteral("the quick access list cannot be written to %1: %2")
-                                             .arg(m_path, file.errorString()));
+    const QString failure = m_isWritable ? nrt::files::replace(m_path, writeQuickAccess(m_entries))
+                                         : QStringLiteral("what is there stays");
+    if (!failure.isEmpty())
+        NxLoggerLite::writeError(
+            logTag, QStringLiteral("the quick access list cannot be written to %1: %2").arg(m_path, failure));
 }
 
 void QuickAccessList::reload()
@@ -150,12 +95,19 @@ void QuickAccessList::pin(const QuickAccessEntry& entry)
         return;
     change([&entry](QVector<QuickAccessEntry>& entries) {
         const auto known = find(entries, entry.fileId);
-        if (known != entries.end() && *known == entry)
-            return false;
-        if (known == entries.end())
-            entries.append(entry);
-        else
+        if (known != entries.end()) {
+            if (*known == entry)
+                return false;
             *known = entry;
+            return true;
+        }
+        if (entries.size() >= mostQuickAccessEntries) {
+            NxLoggerLite::writeWarning(
+                logTag,
+                QStringLiteral("not pinned: quick access holds %1 documents").arg(mostQuickAccessEntries));
+            return false;
+        }
+        entries.append(entry);
         return true;
     });
 }

@@ -1,37 +1,15 @@
 #pragma once
 
+#include "nheliostat/framework/QuickAccessEntry.h"
+
 #include <QObject>
 #include <QString>
 #include <QVector>
 
-#include <optional>
-
-/** A document that the user keeps at hand. */
-struct QuickAccessEntry
-{
-    QString fileId; //!< never empty in a list
-    QString name;
-    QString suffix; //!< of the file, for its icon; may be empty
-
-    bool operator==(const QuickAccessEntry& other) const
-    {
-        return fileId == other.fileId && name == other.name && suffix == other.suffix;
-    }
-};
-
-/**
- * The document in the command "pinToQuickAccess&activate&tab_menu&cloudFile&<separator>&<texts>", whose
- * texts, joined by the separator, are the file id, an empty one and the Base64 of the name's UTF-8. Nothing
- * for another command, without a file id, or with a broken name.
- */
-std::optional<QuickAccessEntry> readPinCommand(const QString& command);
-/** Whether it is such a command, well made or not. */
-bool isPinCommand(const QString& command);
-
 /**
  * The documents that the user pinned, in the order of pinning, in a file that other shells of the same data
- * directory may change too. A damaged file is set aside ("*.corrupt") and the list starts empty; entries that
- * make no sense are left out. User-interface thread.
+ * directory may change too; 200 at most. A damaged file is set aside ("*.corrupt") and the list starts empty;
+ * entries that make no sense are left out. User-interface thread.
  */
 class QuickAccessList final : public QObject
 {
@@ -54,9 +32,11 @@ Q_SIGNALS:
 private:
     template <typename Change>
     bool change(Change change);
-    QVector<QuickAccessEntry> read() const;
+    QVector<QuickAccessEntry> read();
     void write() const;
 
     const QString m_path;
+    bool m_isWritable = true; //!< false while something that is no list cannot be taken out of its place
+    QString m_complaint;      //!< the last one, logged once
     QVector<QuickAccessEntry> m_entries;
 };

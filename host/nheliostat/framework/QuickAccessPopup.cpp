@@ -39,14 +39,19 @@ QuickAccessPopup::QuickAccessPopup(QuickAccessList& list, QWidget* parent)
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(1, 1, 1, 1);
     column->addWidget(scroll);
-    connect(&m_list, &QuickAccessList::changed, this, &QuickAccessPopup::fill);
-    fill();
+    connect(&m_list, &QuickAccessList::changed, this, &QuickAccessPopup::refresh);
 }
 
 void QuickAccessPopup::setDark(bool dark)
 {
     m_dark = dark;
-    fill();
+    refresh();
+}
+
+void QuickAccessPopup::refresh()
+{
+    if (isVisible())
+        fill();
 }
 
 void QuickAccessPopup::showBelow(const QWidget& button)

@@ -22,6 +22,8 @@ Q_SIGNALS:
     void chosen(const QuickAccessEntry& entry);
 
 private:
+    /** Rows are made only to be shown. */
+    void refresh();
     void fill();
     void addRow(const QuickAccessEntry& entry);
     void addHint();

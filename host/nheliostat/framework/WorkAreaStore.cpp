@@ -1,18 +1,21 @@
 #include "nheliostat/framework/WorkAreaStore.h"
 
+#include "nrt/files.h"
 #include "zeolite/NxLoggerLite.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRunnable>
-#include <QSaveFile>
 #include <QUuid>
 
+#include <cstdio>
 #include <utility>
 
 namespace {
 
 const QString logTag = QStringLiteral("nheliostat");
+
+constexpr qint64 largestRecord = 16LL << 20; //!< bytes
 
 QString lockPathOf(const QString& path)
 {
@@ -21,11 +24,10 @@ QString lockPathOf(const QString& path)
 
 void writeNow(const QString& path, const QByteArray& text)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size() || !file.commit())
+    const QString failure = nrt::files::replace(path, text);
+    if (!failure.isEmpty())
         NxLoggerLite::writeError(
-            logTag,
-            QStringLiteral("the work area cannot be written to %1: %2").arg(path, file.errorString()));
+            logTag, QStringLiteral("the work area cannot be written to %1: %2").arg(path, failure));
 }
 
 class Write final : public QRunnable
@@ -143,12 +145,10 @@ void WorkAreaStore::removeLocksWithoutRecord() const
 
 void WorkAreaStore::readFile(const QString& path)
 {
-    QFile file(path);
-    const bool isOpen = file.open(QIODevice::ReadOnly);
+    const nrt::files::Reading file = nrt::files::read(path, largestRecord);
     const WorkAreaRecord::Reading reading =
-        isOpen ? WorkAreaRecord::fromJson(file.readAll())
-               : WorkAreaRecord::Reading{{}, {QStringLiteral("it cannot be read: ") + file.errorString()}};
-    file.close();
+        file ? WorkAreaRecord::fromJson(file.bytes)
+             : WorkAreaRecord::Reading{{}, {QStringLiteral("it cannot be read: ") + file.reason}};
     for (const QString& complaint : reading.complaints)
         NxLoggerLite::writeWarning(logTag, QStringLiteral("work area record %1: %2").arg(path, complaint));
     m_record.windows += reading.record.windows;
@@ -156,8 +156,7 @@ void WorkAreaStore::readFile(const QString& path)
         return;
     if (!reading.complaints.isEmpty()) {
         const QString aside = QDir(m_directory).filePath(QStringLiteral("unreadable.corrupt"));
-        QFile::remove(aside);
-        QFile::rename(path, aside);
+        std::rename(QFile::encodeName(path).constData(), QFile::encodeName(aside).constData());
     }
     remove(path);
     m_abandoned.pop_back();

@@ -3,8 +3,9 @@
 #include "shell/config/ObjectReader.h"
 #include "shell/config/UserMembers.h"
 
+#include "nrt/files.h"
+
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QRegularExpression>
@@ -14,6 +15,8 @@
 namespace shell {
 
 namespace {
+
+constexpr qint64 largestHostFile = 32LL << 20; //!< bytes
 
 const QStringList& siteKeys()
 {
@@ -198,9 +201,20 @@ QStringList HostFile::scriptOrigins() const
 
 QStringList HostFile::interceptedHosts() const
 {
+    // Those of the suite itself come before whatever else is named.
+    QStringList urls;
+    const QMap<QString, QString> own = defaultDomains();
+    for (auto domain = domains.begin(); domain != domains.end(); ++domain) {
+        if (own.contains(domain.key()))
+            urls.prepend(domain.value());
+        else
+            urls.append(domain.value());
+    }
     QStringList hosts;
-    for (const QString& domain : domains) {
-        const QUrl url(domain);
+    for (const QString& text : qAsConst(urls)) {
+        const QUrl url(text);
+        if (hosts.size() == mostInterceptedHosts)
+            break;
         if (url.scheme() == QLatin1String("https") && !hosts.contains(url.host()))
             hosts.append(url.host());
     }
@@ -249,15 +263,12 @@ Result<HostFile> parseHostFile(const QByteArray& text, const QString& baseDir)
 
 Result<HostFile> loadHostFile(const QString& path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return failure(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
-    const QByteArray text = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return failure(QStringLiteral("cannot read %1: %2").arg(path, file.errorString()));
+    const nrt::files::Reading file = nrt::files::read(path, largestHostFile);
+    if (!file)
+        return failure(QStringLiteral("cannot read %1: %2").arg(path, file.reason));
 
     const QFileInfo info(path);
-    const Result<HostFile> parsed = parseHostFile(text, info.absolutePath());
+    const Result<HostFile> parsed = parseHostFile(file.bytes, info.absolutePath());
     if (!parsed)
         return Error{parsed.error().text + QStringLiteral(" (%1)").arg(path)};
     HostFile host = *parsed;

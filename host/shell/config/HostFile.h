@@ -67,7 +67,9 @@ struct HostFile
     /** The origins ("https://docs.example.test") of the documents and drive sites; their documents get the
      * script object. */
     QStringList scriptOrigins() const;
-    /** The hosts of the domains that are https: the shell answers requests to them itself where it can. */
+    static constexpr int mostInterceptedHosts = 200; //!< one certificate names them all
+    /** The hosts of the domains that are https, of too many those of the suite first: the shell answers
+     * requests to them itself where it can. */
     QStringList interceptedHosts() const;
 };
 

@@ -1,7 +1,8 @@
 #include "vltcloudsvr/common/InstalledPlugins.h"
 
+#include "nrt/files.h"
+
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QVersionNumber>
 
@@ -34,10 +35,10 @@ bool isOlderVersion(const QString& version, const QString& than)
 
 QString versionIn(const QString& directory)
 {
-    QFile file(directory + QStringLiteral("/version"));
-    if (directory.isEmpty() || !file.open(QIODevice::ReadOnly))
+    if (directory.isEmpty())
         return {};
-    return QString::fromUtf8(file.read(longestVersionFile)).trimmed();
+    const QString path = directory + QStringLiteral("/version");
+    return QString::fromUtf8(nrt::files::read(path, longestVersionFile).bytes).trimmed();
 }
 
 QVector<InstalledVersion> installedVersions(const QString& pluginsDir, const QString& name)

@@ -84,7 +84,8 @@ QString prepareSocketDirectory(const ServicePlace& place)
 
 bool isServed(const ServicePlace& place)
 {
-    const int descriptor = ::open(QFile::encodeName(place.lockPath).constData(), O_RDONLY | O_CLOEXEC);
+    const int descriptor =
+        ::open(QFile::encodeName(place.lockPath).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0)
         return false;
     // A shared lock: two that look at the same time do not take each other for the service.

@@ -4,6 +4,7 @@
 #include "zeolite/NxLoggerLite.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -77,6 +78,10 @@ QString RecordStore::ready()
 
 std::optional<RecordStore::OpenError> RecordStore::tryOpen()
 {
+    // SQLite opens what is there as it is, and waits for the other end of a pipe. Only looked at: a
+    // descriptor that is closed here would end the locks of other connections.
+    if (const QFileInfo present(m_file); present.exists() && !present.isFile())
+        return OpenError{QStringLiteral("%1 is not a regular file").arg(m_file), true};
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     database.setDatabaseName(m_file);
     if (!database.open())

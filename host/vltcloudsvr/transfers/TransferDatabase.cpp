@@ -3,6 +3,7 @@
 #include "zeolite/NxLoggerLite.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlError>
 #include <QUuid>
 
@@ -89,6 +90,13 @@ void TransferDatabase::setAside() const
 bool TransferDatabase::open()
 {
     m_errorCode.clear();
+    // SQLite opens what is there as it is, and waits for the other end of a pipe. Only looked at: a
+    // descriptor that is closed here would end the locks of other connections.
+    if (const QFileInfo present(m_file); present.exists() && !present.isFile()) {
+        m_error = QStringLiteral("%1 is not a regular file").arg(m_file);
+        m_errorCode = QStringLiteral("26"); // no database
+        return false;
+    }
     m_database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     m_database.setDatabaseName(m_file);
     m_database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000"));

@@ -1,9 +1,8 @@
 #include "zeolite/config/ConfigCentreFile.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 
+#include "nrt/files.h"
 #include "zeolite/NxLoggerLite.h"
 
 namespace {
@@ -11,6 +10,8 @@ namespace {
 // Writers truncate and fill, or write several times: the file is read when this time has passed since the
 // first sign.
 constexpr int settleMs = 50;
+
+constexpr qint64 largestHostFile = 32LL << 20; //!< bytes
 
 } // namespace
 
@@ -45,21 +46,20 @@ void ConfigCentreFile::watch()
 void ConfigCentreFile::read()
 {
     watch(); // before reading, so that no change falls between
-    QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        complain(file.errorString());
+    const nrt::files::Reading file = nrt::files::read(m_path, largestHostFile);
+    if (!file) {
+        complain(file.reason);
         return;
     }
-    const QByteArray bytes = file.readAll();
-    if (bytes == m_bytes && m_complaint.isEmpty())
+    if (file.bytes == m_bytes && m_complaint.isEmpty())
         return;
-    const ConfigItemsResult result = parseConfigItems(bytes);
+    const ConfigItemsResult result = parseConfigItems(file.bytes);
     if (!result.error.isEmpty()) {
         complain(result.error);
         return;
     }
     m_complaint.clear();
-    m_bytes = bytes;
+    m_bytes = file.bytes;
     if (result.items == m_items)
         return;
     m_items = result.items;

@@ -1,10 +1,14 @@
 #include "zeolite/files/RotatingFile.h"
 
+#include "nrt/files.h"
+
 #include <QDir>
 #include <QFileInfo>
 
-RotatingFile::RotatingFile(const QString& path, qint64 limit)
-    : m_file(path)
+#include <cstdio>
+
+RotatingFile::RotatingFile(QString path, qint64 limit)
+    : m_path(std::move(path))
     , m_limit(limit)
 {
 }
@@ -18,19 +22,25 @@ bool RotatingFile::append(const QByteArray& line)
         if (!open())
             return false;
     }
-    return m_file.write(line) == line.size();
+    const bool isWritten = m_file.write(line) == line.size();
+    if (!isWritten)
+        m_error = m_file.errorString();
+    return isWritten;
 }
 
 bool RotatingFile::open()
 {
-    QDir().mkpath(QFileInfo(m_file.fileName()).path());
-    return m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    QDir().mkpath(QFileInfo(m_path).path());
+    m_error =
+        nrt::files::open(m_file, m_path, QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    return m_error.isEmpty();
 }
 
 void RotatingFile::rotate()
 {
+    const QByteArray path = QFile::encodeName(m_path);
+    const QByteArray older = path + ".1";
+    if (std::rename(path.constData(), older.constData()) != 0)
+        m_file.resize(0);
     m_file.close();
-    const QString older = m_file.fileName() + QStringLiteral(".1");
-    QFile::remove(older);
-    QFile::rename(m_file.fileName(), older);
 }

@@ -1,7 +1,8 @@
 #include "zeolite/plugins/DirectoryPlugin.h"
 
+#include "nrt/files.h"
+
 #include <QDir>
-#include <QFile>
 
 namespace {
 
@@ -12,10 +13,8 @@ QString versionOf(const QString& directory)
 {
     if (directory.isEmpty())
         return {};
-    QFile file(QDir(directory).filePath(QStringLiteral("version")));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QString::fromUtf8(file.read(longestVersion)).trimmed();
+    const QString path = QDir(directory).filePath(QStringLiteral("version"));
+    return QString::fromUtf8(nrt::files::read(path, longestVersion).bytes).trimmed();
 }
 
 } // namespace

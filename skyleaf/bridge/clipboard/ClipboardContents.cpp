@@ -7,9 +7,6 @@
 #include "bridge/clipboard/CustomMimeFormat.h"
 #include "bridge/clipboard/SystemClipboard.h"
 
-#include <QBuffer>
-#include <QImage>
-#include <QImageReader>
 #include <QJsonDocument>
 #include <QMimeData>
 #include <QUrl>
@@ -17,11 +14,10 @@
 namespace {
 
 constexpr auto uriListType = "text/uri-list";
-constexpr auto pngType = "image/png";
 const QString cloudFileFormat = QStringLiteral("cloudFile");
 
-/** A small file can claim an image that fills the memory: larger ones than this are not loaded. */
-constexpr qint64 mostPixels = 128 * 1024 * 1024;
+/** More than this of one format is left out of the reply. */
+constexpr int largestFormat = 64 << 20;
 
 Json::Value jsonText(const QByteArray& bytes)
 {
@@ -54,21 +50,6 @@ bool isOwnDocumentType(const QString& type)
     return isPlacedAsCustom(type) || containsInAnyCase(type, "text/zqdocclipboardinfo");
 }
 
-QByteArray pngOf(const QVariant& image)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    return image.value<QImage>().save(&buffer, "PNG") ? bytes : QByteArray();
-}
-
-QImage imageOf(QByteArray bytes)
-{
-    QBuffer buffer(&bytes);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    return qint64(size.width()) * size.height() <= mostPixels ? reader.read() : QImage();
-}
-
 void addOwnDocumentTypes(Json::Value& reply, const QByteArray& custom)
 {
     const auto [values, ok] = CefClipboardEventMimeCustomParser(custom).parse();
@@ -87,7 +68,7 @@ void addFormat(Json::Value& reply, const QMimeData& content, const QString& form
             reply[format.toStdString()] = base64(html);
     } else if (containsInAnyCase(format, "text/plain") || containsInAnyCase(format, "image/bmp")) {
         const QByteArray bytes = systemclipboard::bytes(content, format);
-        if (!bytes.isEmpty())
+        if (!bytes.isEmpty() && bytes.size() <= largestFormat)
             reply[format.toStdString()] = base64(bytes);
     } else if (contains(format, custommime::formatName)) {
         addOwnDocumentTypes(reply, systemclipboard::bytes(content, format));
@@ -118,11 +99,6 @@ Json::Value toReply(const QMimeData* content)
         for (const QUrl& url : list)
             urls.append(base64(url.toString().toUtf8()));
     }
-    if (content->hasImage()) {
-        const QByteArray png = pngOf(content->imageData());
-        if (!png.isEmpty())
-            reply[pngType] = base64(png);
-    }
     const QStringList formats = systemclipboard::formats(*content);
     for (const QString& format : formats) {
         if (!reply.isMember(format.toStdString()))
@@ -131,9 +107,17 @@ Json::Value toReply(const QMimeData* content)
     return reply;
 }
 
-std::unique_ptr<QMimeData> fromArguments(const QVariantMap& arguments)
+void addPicture(Json::Value& reply, const QByteArray& png)
 {
-    auto content = std::make_unique<QMimeData>();
+    if (!png.isEmpty())
+        reply["image/png"] = base64(png);
+}
+
+Placed fromArguments(const QVariantMap& arguments)
+{
+    Placed placed;
+    placed.content = std::make_unique<QMimeData>();
+    QMimeData* const content = placed.content.get();
     CefClipboardEventMimeCustomBuilder custom;
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
         const QString& type = argument.key();
@@ -146,9 +130,7 @@ std::unique_ptr<QMimeData> fromArguments(const QVariantMap& arguments)
             content->setData(lower,
                              CefClipboardEventMimeHtmlBuilder().build(argument.value().toString().toUtf8()));
         } else if (contains(type, "image/base64")) {
-            const QImage image = imageOf(QByteArray::fromBase64(argument.value().toString().toLatin1()));
-            if (!image.isNull())
-                content->setImageData(image);
+            placed.pictures.append(QByteArray::fromBase64(argument.value().toString().toLatin1()));
         } else {
             content->setData(lower, argument.value().toString().toUtf8());
         }
@@ -158,7 +140,7 @@ std::unique_ptr<QMimeData> fromArguments(const QVariantMap& arguments)
         if (!bytes.isEmpty())
             content->setData(QLatin1String(custommime::formatName), bytes);
     }
-    return content;
+    return placed;
 }
 
 Json::Value toSimpleReply(const QMimeData* content)

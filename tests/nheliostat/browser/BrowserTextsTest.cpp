@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+#include "support/OddFiles.h"
+
 #include <gtest/gtest.h>
 
 using namespace nheliostat::browser;
@@ -109,6 +111,11 @@ TEST(StartupPages, KeepOnePagePerUrlAndSurviveBadFiles)
     broken.write("[{\"url\": 3}, 4");
     broken.close();
     EXPECT_TRUE(readStartupPages(file).isEmpty());
+    for (const OddFile& odd : oddFiles) {
+        const QString place = directory.filePath(text(odd.name));
+        ASSERT_TRUE(putOddFile(odd, place));
+        EXPECT_TRUE(readStartupPages(place).isEmpty()) << odd.name;
+    }
     EXPECT_FALSE(addStartupPage(text("/proc/nowhere/startup.json"), {text("https://a.test/"), {}}));
 }
 

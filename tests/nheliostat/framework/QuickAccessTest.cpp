@@ -1,6 +1,7 @@
 #include "nheliostat/framework/QuickAccessList.h"
 
 #include "support/LogRecorder.h"
+#include "support/OddFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -70,6 +71,49 @@ TEST(QuickAccess, ReadsWhatMakesSense)
               1);
     EXPECT_EQ(entriesOf("[]"), 0);
     EXPECT_TRUE(QFile::exists(path + s(".corrupt")));
+}
+
+TEST(QuickAccess, WhatIsNoListIsSetAside)
+{
+    const LogRecorder log;
+    for (const OddFile& odd : oddFiles) {
+        const QTemporaryDir directory;
+        const QString path = directory.filePath(s("pins.json"));
+        ASSERT_TRUE(putOddFile(odd, path));
+        ASSERT_TRUE(putOddFile(odd, path + s(".lock")));
+        QuickAccessList list(path);
+        EXPECT_TRUE(list.entries().isEmpty());
+        const bool isBlocked = QFileInfo(path).isDir();
+        list.pin({s("1"), s("First"), {}});
+        EXPECT_EQ(list.entries().size(), 1);
+        EXPECT_EQ(QuickAccessList(path).entries().size(), isBlocked ? 0 : 1) << odd.name;
+    }
+    EXPECT_FALSE(log.lines().filter(s("it is not a regular file")).isEmpty());
+}
+
+TEST(QuickAccess, HoldsAStatedNumberOfDocuments)
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(s("pins.json"));
+    QByteArray entries;
+    for (int i = 0; i < 50000; ++i)
+        entries += "{\"fileId\": \"" + QByteArray::number(i) + "\"},";
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("{\"entries\": [" + entries + "{}]}");
+    file.close();
+    const LogRecorder log;
+    QuickAccessList list(path);
+    EXPECT_EQ(list.entries().size(), 200);
+    EXPECT_EQ(list.entries().last().fileId, s("199"));
+    list.reload();
+    list.pin({s("more"), {}, {}});
+    EXPECT_EQ(list.entries().size(), 200);
+    EXPECT_EQ(log.lines().filter(s("only the first 200")).size(), 1) << "said once";
+    EXPECT_EQ(log.lines().filter(s("not pinned")).size(), 1);
+    EXPECT_TRUE(list.unpin(s("7")));
+    list.pin({s("more"), {}, {}});
+    EXPECT_EQ(list.entries().last().fileId, s("more"));
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "nheliostat/framework/ShellMainWindow.h"
 #include "nheliostat/framework/WorkAreaStore.h"
 #include "support/LogRecorder.h"
+#include "support/OddFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -53,6 +54,20 @@ TEST(WorkArea, OnlyWhatAnEndedShellLeftIsOffered)
     running.clear();
     started.clear();
     EXPECT_TRUE(QDir(directory.path()).entryList({s("*.json")}).isEmpty());
+}
+
+TEST(WorkArea, WhatIsNoRecordIsLeftOut)
+{
+    for (const OddFile& odd : oddFiles) {
+        const QTemporaryDir directory;
+        {
+            WorkAreaStore killed(directory.path());
+            killed.write(record(s("https://one/")));
+        }
+        ASSERT_TRUE(putOddFile(odd, directory.filePath(s("odd.json"))));
+        ASSERT_TRUE(putOddFile(odd, directory.filePath(s("other.json.lock"))));
+        EXPECT_EQ(WorkAreaStore(directory.path()).abandoned().count(), 1) << odd.name;
+    }
 }
 
 TEST(WorkArea, APageThatWaitsKeepsItsItemInWhateverWindowAndLoadsWhenShown)
