@@ -4,12 +4,12 @@ import os
 import random
 import shutil
 import signal
-import time
 import unittest
 
 from e2e_case import BUILD, TEXT_DOCUMENT
 from local_packages import installed_packages, switches
-from package_case import PackageCase, service_process
+from package_case import PackageCase
+from processes import service_process
 
 PREOPEN = "/api/v3/office/file/100001/preopen"
 ENV_CONFIG = "/office-config/100001"
@@ -57,8 +57,9 @@ class FaultTest(PackageCase):
                 shell = self.start_with(installed_packages(BUILD), version_check=True, delay_ms=150)
                 page = self.open_text(shell)
                 self.assert_readable(shell, page)
-                page = self.open_text(shell, "/p/100001")  # the kind is asked from the server
-                self.assert_readable(shell, page)
+                # A document whose kind is not known yet: the kind is asked from the server.
+                page = self.open_text(shell, "/p/100002")
+                self.assert_readable(shell, page, "Budget")
                 shell.quit()
 
     def test_package_that_is_broken(self):
@@ -105,7 +106,7 @@ class FaultTest(PackageCase):
             shell.call("page.notify", page=page, text=self.server.url(TEXT_DOCUMENT))
             shutil.rmtree(package)
             shell.call("page.load", page=page)
-            shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
+            shell.wait_for_page(page, "webFileReady", since=since)
             self.assert_readable(shell, page)
             shell.quit()
 
@@ -114,24 +115,14 @@ class FaultTest(PackageCase):
         seen = set()
         for _ in range(2):
             self.open_text(shell)  # starts it
-            process = self.wait_for_service(shell)
+            process = self.until(lambda: service_process(shell.data_dir), "the cloud service runs")
             seen.add(process)
             os.kill(process, signal.SIGSTOP)  # it takes the query and does not answer
-            page = self.create(shell)
-            since = shell.mark()
-            shell.call("page.notify", page=page, text=self.server.url(TEXT_DOCUMENT))
-            shell.call("page.load", page=page)
+            page, since = self.begin(shell, self.server.url(TEXT_DOCUMENT))
             os.kill(process, signal.SIGKILL)
-            shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
+            shell.wait_for_page(page, "webFileReady", since=since)
             self.assert_readable(shell, page)
         self.assertEqual(len(seen), 2, "it was started again")
-
-    def wait_for_service(self, shell):
-        deadline = time.monotonic() + 20
-        while not (process := service_process(shell.data_dir)):
-            self.assertLess(time.monotonic(), deadline, "the cloud service runs")
-            time.sleep(0.1)
-        return process
 
     def test_settings_corrupted_by_hand(self):
         shell = self.start_with(installed_packages(BUILD), version_check=True)

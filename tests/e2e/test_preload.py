@@ -4,11 +4,10 @@ import glob
 import os
 import shutil
 import signal
-import time
 import unittest
 
-from e2e_case import BUILD, TABLE_DOCUMENT, TEXT_DOCUMENT
-from helio_shell import Shell, merged
+from e2e_case import BUILD, TABLE_DOCUMENT, TEXT_DOCUMENT, UNTIL_SAVED
+from helio_shell import merged
 from local_packages import installed_packages, plugin_members, switches
 from package_case import PackageCase
 
@@ -48,7 +47,7 @@ class PreloadTest(PackageCase):
         return self.start_with(installed_packages(BUILD) if paths is None else paths, merged(FEATURE, members or {}), **options)
 
     def kept(self, shell, since, what=KEPT):
-        return shell.wait_for_log(what, timeout=60, since=since)
+        return shell.wait_for_log(what, since=since)
 
     def open_first(self, shell, path=TEXT_DOCUMENT):
         """Opens a document and waits until a browser is kept for the next."""
@@ -83,14 +82,7 @@ class PreloadTest(PackageCase):
         self.assertEqual((state["title"], state["url"]), ("Welcome.docx", state["notifyUrl"]))
         self.assert_readable(shell, page)
 
-        shell.evaluate(page, """
-            const editor = document.querySelector('.ProseMirror');
-            editor.focus();
-            document.getSelection().selectAllChildren(editor.querySelector('p'));
-            document.getSelection().collapseToEnd();
-            document.execCommand('insertText', false, ' Typed after the take-over.');
-            while (!window.__DOCS_STATE__.saved) await new Promise(r => setTimeout(r, 50));
-            await fetch('/robots.txt?after-take-over');""")
+        self.type_text(shell, page, " Typed after the take-over.", UNTIL_SAVED + "await fetch('/robots.txt?after-take-over');")
         agents = [each["userAgent"] for each in self.server.requests() if "after-take-over" in each["target"]]
         self.assertTrue(agents and agents[0].endswith(" VLTQuillHybrid/1.0 PreloadDocFramework"), agents)
         since = shell.mark()
@@ -165,9 +157,7 @@ class PreloadTest(PackageCase):
         shell = self.start_preloading()
         since = shell.mark()
         self.open_first(shell)
-        page = self.create(shell, PREVIEW)
-        shell.call("page.notify", page=page, text=self.server.url(TEXT_DOCUMENT))
-        shell.call("page.load", page=page)
+        page, since = self.begin(shell, self.server.url(TEXT_DOCUMENT), PREVIEW)
         shell.wait_for_event(EVENT, since=since)
         shell.call("browser.crash", page=page)
         self.assert_readable(shell, page)
@@ -179,11 +169,8 @@ class PreloadTest(PackageCase):
         edited(os.path.join(package, "dist_langs", "zh-CN", "index-w.html"), "<meta charset", HANG + "<meta charset")
         shell = self.start_preloading({"w": package})
         self.open_first(shell)
-        since = shell.mark()
-        page = self.create(shell, PREVIEW)
-        shell.call("page.notify", page=page, text=self.server.url(TEXT_DOCUMENT))
-        shell.call("page.load", page=page)
-        shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
+        page, since = self.begin(shell, self.server.url(TEXT_DOCUMENT), PREVIEW)
+        shell.wait_for_page(page, "webFileReady", since=since)
         self.assertEqual((len(self.events(shell, since)), self.answers(shell, page, "/p/")), (1, ["local"]))
         self.assert_readable(shell, page)
 
@@ -196,12 +183,9 @@ class PreloadTest(PackageCase):
         self.assertTrue(shell.evaluate(page, "return document.querySelector('.ProseMirror') !== null"))
 
         self.kept(shell, since)
-        page = self.create(shell, PREVIEW)
-        shell.call("page.notify", page=page, text=self.server.url("/p/missing?officeType=w"))
-        shell.call("page.load", page=page)
+        page, since = self.begin(shell, self.server.url("/p/missing?officeType=w"), PREVIEW)
         shell.wait_for_event(EVENT, since=since)
-        self.assert_readable(shell, page, "document")
-        self.assertTrue(shell.evaluate(page, "return !document.getElementById('problem').hidden"))
+        self.until_page(shell, page, "(problem => problem && !problem.hidden && problem.innerText)(document.getElementById('problem'))")
 
     def test_without_the_library_pages_make_their_browsers(self):
         root = os.path.join(self.packages, "installation")
@@ -211,8 +195,7 @@ class PreloadTest(PackageCase):
         for name in ("skyleaf-shell", "vltcloudsvr"):
             shutil.copy(os.path.join(BUILD, "bin", name), os.path.join(root, "bin"))
         members = merged(plugin_members(installed_packages(BUILD), **switches(preloading=True)), FEATURE)
-        shell = Shell(os.path.join(root, "bin"), host=merged(self.server.host_members(), members))
-        self.addCleanup(shell.quit)
+        shell = self.start_shell(host=members, programs=os.path.join(root, "bin"))
         for _ in range(2):
             page = self.open(shell, page_type=PREVIEW)
             self.assert_readable(shell, page)
