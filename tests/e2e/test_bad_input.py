@@ -68,7 +68,7 @@ class ControlTest(EndToEndCase):
         self.assertEqual(len(errors), 6)
         for text in errors:
             self.assertRegex(text, "unknown|malformed")
-        for code, limit, message in (("throw new Error('boom')", 30000, "boom"), ("syntax error here", 30000, "Syntax"),
+        for code, limit, message in (("throw new Error('boom')", 30000, "boom"), ("syntax error here", 30000, "does not compile"),
                                      ("return await new Promise(() => {})", 500, "time")):
             with self.assertRaisesRegex(RpcError, message):
                 shell.call("page.evaluate", page=page, code=code, timeoutMs=limit)

@@ -149,12 +149,12 @@ class FaultTest(PackageCase):
         self.assert_readable(shell, page)
 
 
-class SoakTest(PackageCase):
-    """Many opens in a row with random faults; SKYLEAF_SOAK_OPENS says how many."""
+class RandomFaultsTest(PackageCase):
+    """Many opens in a row with random faults; SKYLEAF_SOAK_OPENS says how many, SKYLEAF_SOAK_SEED which."""
 
     def test_every_open_ends_in_a_readable_document(self):
         opens = int(os.environ.get("SKYLEAF_SOAK_OPENS", "20"))
-        seed = int(os.environ.get("SKYLEAF_SOAK_SEED", str(random.randrange(10**6))))
+        seed = int(os.environ.get("SKYLEAF_SOAK_SEED", "1"))
         choose = random.Random(seed)
         package = self.package("1.0.0")
         spare = self.packages + "-spare"

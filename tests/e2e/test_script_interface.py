@@ -38,21 +38,34 @@ class ScriptInterfaceTest(PackageCase):
 
     def test_calls_that_end_the_page_do_so(self):
         shell = self.start()
-        outcomes = {"jsReload": "loadFinished", "jsReloadCef": "loadFinished", "closeDialog": "closed", "tavaLogout": "", "tavaLogin": "",
-                    "gotoH5Page": "", "shareFile": "", "showVipUpgradeDialog": "", "showUserSecureIdentityDialog": "",
-                    "showOfflinePage": "", "gotoHomepage": ""}
+
+        def reported(what):
+            return lambda page, since: shell.wait_for_page(page, what, since=since)
+
+        def logged(text):
+            return lambda page, since: shell.wait_for_log(text, since=since)
+
+        def at(part):
+            return lambda page, since: self.wait_for_url(shell, page, part)
+
+        # A sign-in or sign-out loads every page again, this one included.
+        effects = {"jsReload": reported("loadFinished"), "jsReloadCef": reported("loadFinished"), "closeDialog": reported("closed"),
+                   "tavaLogin": reported("loadFinished"), "tavaLogout": reported("loadFinished"),
+                   "showOfflinePage": at("error-page"), "gotoHomepage": at(self.server.url("/?v="))}
+        for name in ("gotoH5Page", "shareFile", "showVipUpgradeDialog", "showUserSecureIdentityDialog"):
+            effects[name] = logged('messageBox "": "%s"' % name)
         page = self.open_interface(shell)
         ending = {call["name"]: call["id"] for call in shell.evaluate(page, "return window.helioInterface.calls") if call["ends"]}
-        self.assertEqual(set(ending), set(outcomes))
-        for name, expected in outcomes.items():
-            page = self.open_interface(shell)
-            since = shell.mark()
-            shell.evaluate(page, "setTimeout(() => window.helioInterface.run(%d), 100)" % ending[name])
-            if expected:
-                shell.wait_for_page(page, expected, timeout=30, since=since)
-            else:
-                # The shell answers on: a window that waits does not hold it up.
-                self.assertIn(page, [each for window in shell.call("shell.state")["windows"] for each in window["pages"]], name)
+        self.assertEqual(set(ending), set(effects))
+        shell.call("page.close", page=page)
+        for name, wait_for_effect in effects.items():
+            with self.subTest(name):
+                page = self.open_interface(shell)
+                since = shell.mark()
+                shell.evaluate(page, "setTimeout(() => window.helioInterface.run(%d), 0)" % ending[name])
+                wait_for_effect(page, since)
+                if name != "closeDialog":
+                    shell.call("page.close", page=page)
 
     def test_wrong_arguments_harm_nothing(self):
         shell = self.start()

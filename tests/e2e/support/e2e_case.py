@@ -16,6 +16,7 @@ import unittest
 from urllib.parse import parse_qs, urlsplit
 
 import evidence
+import waiting
 from helio_shell import DEFAULT_TIMEOUT, DocumentsServer, RpcError, Shell, VirtualDisplay, merged
 
 BUILD = os.environ["SKYLEAF_BUILD"]
@@ -26,9 +27,6 @@ FAILURES = os.path.join(BUILD, "failures")
 
 TEXT_DOCUMENT = "/p/100001?officeType=w"
 TABLE_DOCUMENT = "/p/100002?officeType=s"
-
-# How often something is looked at that cannot tell by itself that it is there: a file, a process, a server's log.
-LOOK_EVERY = 0.03
 
 # Types at the end of the first paragraph, as a script; ends when the editor has taken it. Only then "saved" means this text.
 TYPE_TEXT = """
@@ -160,12 +158,7 @@ class EndToEndCase(unittest.TestCase):
 
     def until(self, is_done, what, timeout=DEFAULT_TIMEOUT):
         """Waits until `is_done()` is true, and returns its value; fails with what was waited for."""
-        deadline = time.monotonic() + timeout
-        while not (value := is_done()):
-            if time.monotonic() > deadline:
-                self.fail("waited %d s in vain: %s" % (timeout, what() if callable(what) else what))
-            time.sleep(LOOK_EVERY)
-        return value
+        return waiting.until(is_done, what, timeout)
 
     def outlast(self, seconds):
         """Lets a time limit of the product pass, one that the test has set."""
