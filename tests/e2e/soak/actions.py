@@ -12,6 +12,11 @@ from soak.world import DOCUMENTS, FIRST_DOCUMENT
 
 MOST_TABS = 5
 INTERFACE_PAGE = "/interface.html"
+LISTEN = """
+    window.reports = [];
+    window.onReport = (text) => window.reports.push(JSON.parse(text));
+    helio.call('fileUploadListener', {callback: 'onReport'});
+    await helio.call('clouddocsApiVersion');"""
 
 
 def a_document(world):
@@ -117,6 +122,11 @@ def drive_items(world):
         return {each["name"]: each for each in json.load(answer)["items"]}
 
 
+def has_failed(world, page, source):
+    failed = "window.reports.some((each) => each.failed.some(({src}) => src === %s))" % json.dumps(source)
+    return world.shell.evaluate(page, "return " + failed)
+
+
 def transfer(world, meanwhile=lambda: None):
     """A file goes up to the drive and comes down again."""
     page = an_interface_page(world)
@@ -125,9 +135,14 @@ def transfer(world, meanwhile=lambda: None):
     content = world.dice.randbytes(world.dice.choice((0, 700, 300_000)))
     with open(source, "wb") as file:
         file.write(content)
-    upload = {"groupid": "0", "parentid": "0", "files": [source]}
-    world.shell.evaluate(page, "helio.call('uploadFileDrag', %s); return true" % json.dumps(upload))
+    world.shell.evaluate(page, LISTEN)
+    upload = "helio.call('uploadFileDrag', %s); return true" % json.dumps({"groupid": "0", "parentid": "0", "files": [source]})
+    world.shell.evaluate(page, upload)
     meanwhile()
+    world.until(lambda: drive_items(world).get(name) or has_failed(world, page, source),
+                name + " is on the drive, or its failure is told", 90)
+    if not drive_items(world).get(name):
+        world.shell.evaluate(page, upload)
     item = world.until(lambda: drive_items(world).get(name), name + " is on the drive", 90)
     assert item["sha1"] == hashlib.sha1(content).hexdigest(), "another content of %s is on the drive" % name
     target = os.path.join(world.directory, "target-" + name)
