@@ -31,7 +31,7 @@ SERVER_FAULTS = {
 }
 
 
-class FaultTest(PackageCase):
+class ServerAnswersTest(PackageCase):
     def rules(self, faults, times=1):
         return {prefix: dict(fault, times=times) for prefix, fault in faults.items()}
 
@@ -50,6 +50,8 @@ class FaultTest(PackageCase):
                      "replyName: get_env_config, request error HTTPStatusCode: 500"):
             self.assertTrue(text in log, text)
 
+
+class VersionCheckTest(PackageCase):
     def test_version_check_that_is_late_or_nonsense(self):
         for name, fault in SERVER_FAULTS.items():
             with self.subTest(fault=name):
@@ -62,6 +64,8 @@ class FaultTest(PackageCase):
                 self.assert_readable(shell, page, "Budget")
                 shell.quit()
 
+
+class BrokenPackageTest(PackageCase):
     def test_package_that_is_broken(self):
         def spoil(relative, text):
             def change(package):
@@ -110,6 +114,8 @@ class FaultTest(PackageCase):
             self.assert_readable(shell, page)
             shell.quit()
 
+
+class FaultTest(PackageCase):
     def test_cloud_service_killed_during_a_query(self):
         shell = self.start_with(installed_packages(BUILD))
         seen = set()

@@ -49,37 +49,6 @@ class LocalPackageTest(PackageCase):
         self.wait_ready_again(shell, page, since)
         self.assert_readable(shell, page, "Kept over a reload.")
 
-    def test_refusals_leave_the_document_to_the_server(self):
-        empty = self.package("1.0.0")
-        open(os.path.join(empty, "version"), "w", encoding="utf-8").close()
-        gone = os.path.join(self.packages, "gone")
-        good = installed_packages(BUILD)["w"]
-        settings = "usercenter/docsOfflinePage/w/"
-        with open(os.path.join(good, "version"), encoding="utf-8") as file:
-            version = file.read().strip()
-        cases = [
-            ("switch_off", {"wordDOPSwitch": False}, good, {}),
-            ("switch_off", {"DOPMasterSwitch": False}, good, {}),
-            ("plugin_error", {}, gone, {}),
-            ("local_pck_data_error", {}, empty, {}),
-            ("local_pck_req_expire", {}, good, {"settings": {settings + "expireTime/" + version: 1000}}),
-            ("local_pck_must_upgrade", {}, good, {"settings": {settings + "mustUpgrade/" + version: True}}),
-            ("local_vcs_must_upgrade", {"version_check": True}, good, {
-                "settings": {"usercenter/docsOfflinePage/vcs/w/%s/clientVersion" % version: "9.9"}}),
-            ("direct_plugin_load_error", {}, None, {}),
-        ]
-        for error, options, path, members in cases:
-            with self.subTest(error=error, options=options):
-                # A record of an earlier check: the server's own answer would replace it, so there is none.
-                self.control("fault", {VERSION_CHECK: {"status": 503}})
-                shell = self.start_with({"w": path} if path else {}, members, **options)
-                count = len(self.server.requests())
-                page = self.open_text(shell)
-                self.assertIn(error, [found for _, found in self.steps(shell)])
-                self.assertTrue(self.page_requests(count), "from the server")
-                self.assert_readable(shell, page)
-                shell.quit()
-
     def test_a_deployment_without_a_documents_site_shows_what_it_is_told(self):
         shell = self.start_with(installed_packages(BUILD), {"domains": {"quill": None}})
         page, _ = self.begin(shell, self.server.url(TEXT_DOCUMENT))
@@ -115,6 +84,39 @@ class LocalPackageTest(PackageCase):
         self.assertIn(("local_plugin_setting", "no_error"), self.steps(shell, since))
         for part in ("/p/", "/hybrid/"):
             self.assertEqual(set(self.answers(shell, page, part)), {"local"}, part)
+
+
+class RefusalTest(PackageCase):
+    def test_refusals_leave_the_document_to_the_server(self):
+        empty = self.package("1.0.0")
+        open(os.path.join(empty, "version"), "w", encoding="utf-8").close()
+        gone = os.path.join(self.packages, "gone")
+        good = installed_packages(BUILD)["w"]
+        settings = "usercenter/docsOfflinePage/w/"
+        with open(os.path.join(good, "version"), encoding="utf-8") as file:
+            version = file.read().strip()
+        cases = [
+            ("switch_off", {"wordDOPSwitch": False}, good, {}),
+            ("switch_off", {"DOPMasterSwitch": False}, good, {}),
+            ("plugin_error", {}, gone, {}),
+            ("local_pck_data_error", {}, empty, {}),
+            ("local_pck_req_expire", {}, good, {"settings": {settings + "expireTime/" + version: 1000}}),
+            ("local_pck_must_upgrade", {}, good, {"settings": {settings + "mustUpgrade/" + version: True}}),
+            ("local_vcs_must_upgrade", {"version_check": True}, good, {
+                "settings": {"usercenter/docsOfflinePage/vcs/w/%s/clientVersion" % version: "9.9"}}),
+            ("direct_plugin_load_error", {}, None, {}),
+        ]
+        for error, options, path, members in cases:
+            with self.subTest(error=error, options=options):
+                # A record of an earlier check: the server's own answer would replace it, so there is none.
+                self.control("fault", {VERSION_CHECK: {"status": 503}})
+                shell = self.start_with({"w": path} if path else {}, members, **options)
+                count = len(self.server.requests())
+                page = self.open_text(shell)
+                self.assertIn(error, [found for _, found in self.steps(shell)])
+                self.assertTrue(self.page_requests(count), "from the server")
+                self.assert_readable(shell, page)
+                shell.quit()
 
 
 class VersionSwitchTest(PackageCase):

@@ -41,7 +41,7 @@ def browser_processes(shell):
     return found
 
 
-class PreloadTest(PackageCase):
+class PreloadCase(PackageCase):
     def start_preloading(self, paths=None, members=None, **options):
         options.setdefault("preloading", True)
         return self.start_with(installed_packages(BUILD) if paths is None else paths, merged(FEATURE, members or {}), **options)
@@ -66,6 +66,8 @@ class PreloadTest(PackageCase):
                  if each.method == "log" and each.params["text"].startswith(CHECK)]
         return [text[len(CHECK):] for text in texts if not text.endswith(("already check", "Framework fail"))]
 
+
+class TakeOverTest(PreloadCase):
     def test_the_second_preview_takes_over_and_behaves_like_any_other_page(self):
         shell = self.start_preloading()
         self.open_first(shell)
@@ -137,6 +139,8 @@ class PreloadTest(PackageCase):
         self.assertEqual(self.checks(shell, since), ["PreloadDocFramework not enable"])
         self.assert_readable(shell, page)
 
+
+class PreparedBrowserTest(PreloadCase):
     def test_one_that_died_while_it_waited_is_not_handed_out(self):
         shell = self.start_preloading()
         since = shell.mark()

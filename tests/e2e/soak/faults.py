@@ -3,7 +3,7 @@
 import os
 import signal
 
-from soak.actions import a_document, transfer
+from soak.actions import a_document, open_document, transfer
 
 
 def kill_renderer(world):
@@ -92,6 +92,21 @@ def full_disk(world):
     finally:
         disk.empty()
     world.wait_until_safe(page, words, 120)
+
+
+def change_clock(world):
+    """The documents server finds itself at another time, and then back."""
+    if not world.clock.can_be_set:
+        raise NotPossible("libfaketime is not installed")
+    page = a_document(world)
+    world.clock.set(world.dice.choice((-1, 1)) * world.dice.choice((60, 3600, 86400, 400 * 86400)))
+    try:
+        world.wait_until_safe(page, [world.type_word(page)])
+        open_document(world)
+    finally:
+        world.clock.set(0)
+    page = a_document(world)
+    world.wait_until_safe(page, [world.type_word(page)])
 
 
 class NotPossible(Exception):

@@ -54,6 +54,31 @@ class SmallDisk:
             subprocess.run(["umount", "-l", self.directory], check=False)
 
 
+class Clock:
+    """What the documents server takes for the time of day, where the library that can change it is installed. Chromium does
+    not run under it, so the shell's clock stays."""
+
+    LIBRARIES = glob.glob("/usr/lib/*/faketime/libfaketimeMT.so.1")
+
+    def __init__(self, directory):
+        self._file = os.path.join(directory, "clock")
+        self.can_be_set = bool(self.LIBRARIES)
+        self.set(0)
+
+    def set(self, seconds):
+        """So many seconds beside the real time."""
+        with open(self._file + ".new", "w", encoding="ascii") as file:
+            file.write("%+ds\n" % seconds)
+        os.replace(self._file + ".new", self._file)
+
+    def environment(self):
+        if not self.can_be_set:
+            return {}
+        return {"LD_PRELOAD": self.LIBRARIES[0], "FAKETIME_TIMESTAMP_FILE": self._file, "FAKETIME_NO_CACHE": "1",
+                "FAKETIME_DONT_FAKE_MONOTONIC": "1",
+                "ASAN_OPTIONS": os.environ.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"}
+
+
 class World:
     def __init__(self, dice, patience=1.0):
         """`dice` decides everything; `patience` stretches every limit, for builds that are slow."""
@@ -64,7 +89,9 @@ class World:
         self.server_disk = SmallDisk(os.path.join(self.directory, "documents"))
         self.local_disk = SmallDisk(os.path.join(self.directory, "local"))
         self.data_dir = os.path.join(self.directory, "data")
-        self.server = DocumentsServer(PROGRAMS, self.server_disk.directory, SITE, ["--packages", PACKAGE_ZIPS])
+        self.clock = Clock(self.directory)
+        self.server = DocumentsServer(PROGRAMS, self.server_disk.directory, SITE, ["--packages", PACKAGE_ZIPS],
+                                      environment=self.clock.environment())
         self._make_documents()
         self.safe_words = {}  # word: what the page said of it
         self.shells = []
