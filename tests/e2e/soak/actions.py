@@ -127,8 +127,8 @@ def has_failed(world, page, source):
     return world.shell.evaluate(page, "return " + failed)
 
 
-def transfer(world, meanwhile=lambda: None):
-    """A file goes up to the drive and comes down again."""
+def transfer(world, meanwhile=lambda page: None):
+    """A file goes up to the drive and comes down again; `meanwhile` is called with the page once that was ordered."""
     page = an_interface_page(world)
     name = "file-%d.bin" % world.dice.randrange(10**9)
     source = os.path.join(world.directory, name)
@@ -138,7 +138,7 @@ def transfer(world, meanwhile=lambda: None):
     world.shell.evaluate(page, LISTEN)
     upload = "helio.call('uploadFileDrag', %s); return true" % json.dumps({"groupid": "0", "parentid": "0", "files": [source]})
     world.shell.evaluate(page, upload)
-    meanwhile()
+    meanwhile(page)
     world.until(lambda: drive_items(world).get(name) or has_failed(world, page, source),
                 name + " is on the drive, or its failure is told", 90)
     if not drive_items(world).get(name):

@@ -23,7 +23,15 @@ def kill_service(world):
 
 
 def kill_service_while_transferring(world):
-    def kill():
+    def kill(page):
+        world.until_page(page, "window.reports.length > 0", 60)
+        os.kill(world.until(lambda: world.service, "the cloud service runs", 30), signal.SIGKILL)
+    transfer(world, kill)
+
+
+def kill_service_as_it_is_asked(world):
+    """It may not have noted the transfer yet."""
+    def kill(_):
         pid = world.service
         if pid:
             os.kill(pid, signal.SIGKILL)
@@ -64,14 +72,22 @@ def server_down_and_back(world):
     world.server.kill()
     words = [world.type_word(page) for _ in range(world.dice.randint(1, 3))]
     world.wait_until_safe(page, words)
-    if world.dice.random() < 0.3:
-        world.shell.kill()
-        world.start_shell()
-        world.server.start()
-        world.shell.call("dialog.answer", dialog="recover", value=True)
-        return
     world.server.start()
     world.wait_until_safe(page, words, 120, wanted=("saved",))
+
+
+def kill_shell_while_the_server_is_down(world):
+    page = a_document(world)
+    world.wait_until_safe(page, [])
+    world.server.kill()
+    world.wait_until_safe(page, [world.type_word(page)])
+    world.shell.kill()
+    if world.dice.random() < 0.5:
+        world.server.start()
+        come_back(world)
+    else:
+        come_back(world)
+        world.server.start()
 
 
 def full_disk(world):

@@ -8,18 +8,21 @@ def text(soak, seconds):
     lines.append("Actions: " + ", ".join("%s %d" % each for each in sorted(soak.counts.items())))
     lines += ["Left out: " + each for each in sorted(soak.left_out)]
     lines.append("The window was held at most %d ms, %d times above 100 ms" % (soak.longest_hold * 1000, soak.holds))
-    if soak.start_usage and soak.end_usage:
-        lines += usage_table(soak.start_usage, soak.end_usage)
+    if soak.longest_life:
+        lines += usage_table(*soak.longest_life)
     return "\n".join(lines)
 
 
-def usage_table(start, end):
-    """Without pages, after the rounds that warmed up and at the end."""
-    lines = ["", "%-38s %10s %18s %18s %14s" % ("Process", "number", "PSS, MiB", "RSS, MiB", "descriptors")]
+def usage_table(rounds, start, end):
+    """Without pages, once a shell was warm and after so many rounds more."""
+    form = "%-32s %10s %16s %16s %16s %14s"
+    lines = ["", "A warm shell without pages, and the same %d rounds later" % rounds,
+             form % ("Process", "number", "own, MiB", "PSS, MiB", "RSS, MiB", "descriptors")]
     for name in sorted(set(start) | set(end)):
         before, after = start.get(name), end.get(name)
-        lines.append("%-38s %10s %18s %18s %14s" % (
-            name, pair(before, after, "processes", 1, "%d"), pair(before, after, "pss", 1024, "%.1f"),
+        lines.append(form % (
+            name, pair(before, after, "processes", 1, "%d"), pair(before, after, "own", 1024, "%.1f"),
+            pair(before, after, "pss", 1024, "%.1f"),
             pair(before, after, "rss", 1024, "%.1f"), pair(before, after, "descriptors", 1, "%d")))
     return lines
 

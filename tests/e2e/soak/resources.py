@@ -6,12 +6,13 @@ import re
 
 from processes import children, command_line
 
-# `pss` and `rss` in KiB.
-Usage = collections.namedtuple("Usage", "processes pss rss descriptors")
+# In KiB. `own` is what the process made itself, the heap and shared buffers: it does not depend on who else runs, as `pss`
+# and `rss` do with their shares of libraries.
+Usage = collections.namedtuple("Usage", "processes own pss rss descriptors")
 
 # Growth up to this is none: caches of a process are larger than a few pages, and a descriptor more may be a timer.
 GROWTH = 1.15
-SMALL_PSS = 8 << 10
+SMALL_OWN = 8 << 10
 FEW_DESCRIPTORS = 4
 
 
@@ -43,21 +44,22 @@ def members(world):
 def sizes(pid):
     with open("/proc/%d/smaps_rollup" % pid, encoding="ascii") as file:
         text = file.read()
-    return [int(re.search(r"^%s:\s+(\d+)" % name, text, re.M).group(1)) for name in ("Pss", "Rss")]
+    anonymous, shared, pss, rss = (int(re.search(r"^%s:\s+(\d+)" % name, text, re.M).group(1))
+                                   for name in ("Pss_Anon", "Pss_Shmem", "Pss", "Rss"))
+    return anonymous + shared, pss, rss
 
 
 def measure(world):
     """{role: Usage}; a process that ends meanwhile is left out."""
     result = {}
     for name, pids in members(world).items():
-        total = [0, 0, 0, 0]
+        total = [0] * len(Usage._fields)
         for pid in pids:
             try:
-                pss, rss = sizes(pid)
-                descriptors = len(os.listdir("/proc/%d/fd" % pid))
+                one = (1, *sizes(pid), len(os.listdir("/proc/%d/fd" % pid)))
             except (OSError, AttributeError):
                 continue
-            total = [a + b for a, b in zip(total, (1, pss, rss, descriptors))]
+            total = [a + b for a, b in zip(total, one)]
         result[name] = Usage(*total)
     return result
 
@@ -69,8 +71,8 @@ def settled(world):
     def is_same():
         nonlocal latest
         before, latest = latest, measure(world)
-        total = sum(each.pss for each in latest.values())
-        change = abs(total - sum(each.pss for each in before.values()))
+        total = sum(each.own for each in latest.values())
+        change = abs(total - sum(each.own for each in before.values()))
         same = {name: each.processes for name, each in before.items()} == {name: each.processes for name, each in latest.items()}
         return same and change < total / 100
     looks = iter(range(1000))
@@ -87,8 +89,8 @@ def grown(start, end):
             continue
         if now.processes > before.processes:
             found.append("%s: %d processes, were %d" % (name, now.processes, before.processes))
-        if now.pss > before.pss * GROWTH + SMALL_PSS:
-            found.append("%s: %.1f MiB of memory, were %.1f" % (name, now.pss / 1024, before.pss / 1024))
+        if now.own > before.own * GROWTH + SMALL_OWN:
+            found.append("%s: %.1f MiB of memory, were %.1f" % (name, now.own / 1024, before.own / 1024))
         if now.descriptors > before.descriptors * GROWTH + FEW_DESCRIPTORS:
             found.append("%s: %d descriptors, were %d" % (name, now.descriptors, before.descriptors))
     return found
