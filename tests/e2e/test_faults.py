@@ -44,11 +44,10 @@ class ServerAnswersTest(PackageCase):
                     page = self.open_text(shell)
                     self.assert_readable(shell, page)
                     shell.call("page.close", page=page)
-        log = "\n".join(each.params["text"] for each in shell.notifications("log"))
         for text in ("replyName: open_file, request error HTTPStatusCode: 500",
                      "replyName: open_file, request error HTTPStatusCode: 302",
                      "replyName: get_env_config, request error HTTPStatusCode: 500"):
-            self.assertTrue(text in log, text)
+            shell.wait_for_log(text)
 
 
 class VersionCheckTest(PackageCase):

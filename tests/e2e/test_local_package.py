@@ -155,7 +155,7 @@ class VersionSwitchTest(PackageCase):
         shell.wait_for_log("data expired", since=since)
         self.wait_ready_again(shell, page, since)
         self.assertEqual(self.front_version(shell, page), "1.1.0")
-        self.assertIn(("update_finish", "no_error"), self.steps(shell))
+        shell.wait_for_event("docs_localproxy_dop_result", step_name="update_finish", error_msg="no_error")
 
     def test_the_delayed_load_runs_different_versions_side_by_side(self):
         self.want(f100001="1.1.0", f100005="2.0.0")
@@ -182,7 +182,7 @@ class VersionSwitchTest(PackageCase):
         shell = self.start_upgraded(proxy_reset=True)
         self.open_text(shell)
         shell.wait_for_log("front ver changed!  old front ver 2.0.0 and new front ver 1.1.0")
-        self.assertIn(("update_finish", "no_error"), self.steps(shell))
+        shell.wait_for_event("docs_localproxy_dop_result", step_name="update_finish", error_msg="no_error")
         page = self.open_text(shell)
         self.assertEqual(self.front_version(shell, page), "1.1.0")
         other = self.open_text(shell, OTHER_TEXT_DOCUMENT)

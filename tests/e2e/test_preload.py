@@ -10,12 +10,15 @@ from e2e_case import BUILD, TABLE_DOCUMENT, TEXT_DOCUMENT, UNTIL_SAVED
 from helio_shell import merged
 from local_packages import installed_packages, plugin_members, switches
 from package_case import PackageCase
+from processes import command_line, start_time
 
 PREVIEW = 48
 EVENT = "docs_localproxy_dop_preloaddocframework"
 CHECK = "_checkPreloadDocFramework "
 KEPT = "kept for "
 FEATURE = {"features": {"PreCreateCloudDocsContainer": True}}
+# What a take-over may last: ample, since the machine may be busy.
+AMPLE = {"settings": {"takeOver/scriptMs": 60000, "takeOver/answerMs": 60000, "takeOver/documentMs": 60000}}
 HANG = """<script>addEventListener('ON_APP_OPENFILE_READY', () => { for (;;); }, true);</script>"""
 
 
@@ -44,7 +47,7 @@ def browser_processes(shell):
 class PreloadCase(PackageCase):
     def start_preloading(self, paths=None, members=None, **options):
         options.setdefault("preloading", True)
-        return self.start_with(installed_packages(BUILD) if paths is None else paths, merged(FEATURE, members or {}), **options)
+        return self.start_with(installed_packages(BUILD) if paths is None else paths, merged(merged(FEATURE, AMPLE), members or {}), **options)
 
     def kept(self, shell, since, what=KEPT):
         return shell.wait_for_log(what, since=since)
@@ -143,15 +146,10 @@ class TakeOverTest(PreloadCase):
 class PreparedBrowserTest(PreloadCase):
     def test_one_that_died_while_it_waited_is_not_handed_out(self):
         shell = self.start_preloading()
+        self.open_first(shell)
+        renderers = [pid for pid in browser_processes(shell) if "--type=renderer" in " ".join(command_line(pid))]
         since = shell.mark()
-        self.open(shell, page_type=PREVIEW)
-        before = browser_processes(shell)
-        self.kept(shell, since)
-        waiting = browser_processes(shell) - before
-        self.assertTrue(waiting)
-        since = shell.mark()
-        for pid in waiting:
-            os.kill(pid, signal.SIGKILL)
+        os.kill(max(renderers, key=start_time), signal.SIGKILL)  # the one that waits was started last
         self.kept(shell, since, "dropped for ")
         page = self.open(shell, page_type=PREVIEW)
         self.assertEqual((self.checks(shell, since), self.answers(shell, page, "/p/")), ([], ["local"]))
@@ -171,7 +169,7 @@ class PreparedBrowserTest(PreloadCase):
         version = "1.0.0"
         package = self.package(version)
         edited(os.path.join(package, "dist_langs", "zh-CN", "index-w.html"), "<meta charset", HANG + "<meta charset")
-        shell = self.start_preloading({"w": package})
+        shell = self.start_preloading({"w": package}, {"settings": {"takeOver/answerMs": 1500}})
         self.open_first(shell)
         page, since = self.begin(shell, self.server.url(TEXT_DOCUMENT), PREVIEW)
         shell.wait_for_page(page, "webFileReady", since=since)
@@ -219,7 +217,7 @@ class PreparedBrowserTest(PreloadCase):
             taken += len(self.events(shell, since))
             processes.append(len(browser_processes(shell)))
         self.assertGreaterEqual(taken, 18)
-        self.assertLessEqual(processes[-1], processes[1], processes)
+        self.until(lambda: len(browser_processes(shell)) <= processes[1], "no process more than early on: %s" % processes)
         self.assertTrue([each for each in shell.notifications("log") if "taken back for " in each.params["text"]])
         self.assertEqual(shell.quit(), 0)
 

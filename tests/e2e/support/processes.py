@@ -118,6 +118,12 @@ def command_line(pid):
         return []
 
 
+def start_time(pid):
+    """When a process began, in clock ticks since the machine started."""
+    with open("/proc/%d/stat" % pid, encoding="utf-8", errors="replace") as file:
+        return int(file.read().rpartition(")")[2].split()[19])
+
+
 def all_pids():
     return [int(path.split("/")[2]) for path in glob.glob("/proc/[0-9]*")]
 
