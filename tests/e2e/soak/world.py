@@ -38,13 +38,13 @@ class SmallDisk:
         self.can_be_full = os.getuid() == 0 and subprocess.run(mount, capture_output=True, check=False).returncode == 0
 
     def fill(self):
-        block = bytes(1 << 16)
         with open(os.path.join(self.directory, ".filler"), "wb", buffering=0) as file:
-            try:
-                while file.write(block) == len(block):
+            for size in (1 << 16, 1):
+                try:
+                    while file.write(bytes(size)) == size:
+                        pass
+                except OSError:
                     pass
-            except OSError:
-                pass
 
     def empty(self):
         os.unlink(os.path.join(self.directory, ".filler"))

@@ -10,6 +10,7 @@ Standard library only. Every process that is started here is ended here.
 """
 
 import collections
+import glob
 import json
 import os
 import shutil
@@ -242,11 +243,27 @@ class Shell:
                 self.send_line(json.dumps({"jsonrpc": "2.0", "method": "shell.quit"}))
                 process.stdin.close()
                 process.wait(timeout)
-            except (ShellEnded, OSError, subprocess.TimeoutExpired):
+            except subprocess.TimeoutExpired:
+                self._note_threads()
+            except (ShellEnded, OSError):
                 pass
         status = self._process.stop()
         self._clean_up()
         return status
+
+    def _note_threads(self):
+        """Adds to the errors what the threads of a shell that does not end are waiting in."""
+        with open(self.stderr_path, "a", encoding="utf-8") as errors:
+            errors.write("the shell does not end; its threads:\n")
+            for folder in sorted(glob.glob("/proc/%d/task/*" % self.pid)):
+                texts = []
+                for name in ("comm", "wchan", "syscall"):
+                    try:
+                        with open(os.path.join(folder, name), encoding="ascii", errors="replace") as file:
+                            texts.append(file.read().strip())
+                    except OSError:
+                        continue  # it ended meanwhile, or the machine does not tell
+                errors.write("  %s %s\n" % (os.path.basename(folder), " ".join(texts)))
 
     def kill(self):
         """Ends the shell and its child processes as a power cut would; the data directory stays when it was given."""
