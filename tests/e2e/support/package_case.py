@@ -6,21 +6,11 @@ import shutil
 from e2e_case import BUILD, TEXT_DOCUMENT, EndToEndCase
 from helio_shell import merged
 from local_packages import copy_package, installed_packages, plugin_members, switches
+from processes import service_process
+
+__all__ = ["PackageCase", "service_process"]
 
 FRONT_VERSION = "return document.documentElement.dataset.frontVersion"
-
-
-def service_process(data_dir):
-    """The cloud service process of a data directory; None when there is none."""
-    for number in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            with open("/proc/%s/cmdline" % number, "rb") as file:
-                arguments = file.read().decode(errors="replace").split("\0")
-        except OSError:
-            continue
-        if os.path.basename(arguments[0]) == "vltcloudsvr" and data_dir in arguments:
-            return int(number)
-    return None
 
 
 class PackageCase(EndToEndCase):
