@@ -4,6 +4,9 @@
 
 #include <QDir>
 
+#include <csignal>
+#include <sys/resource.h>
+
 #include "support/TemporarySite.h"
 
 namespace documents {
@@ -60,6 +63,23 @@ TEST_F(DocumentStoreTest, savesOnTopOfTheCurrentVersionOnly)
     }
     EXPECT_EQ(store.load(QStringLiteral("100001"))->content, someContent);
     EXPECT_EQ(QDir(place.documents()).entryList(QDir::Files).size(), 2) << "no temporary file stays";
+}
+
+TEST_F(DocumentStoreTest, keepsTheDocumentWhenTheDiskTakesNoMore)
+{
+    const auto before = store.load(QStringLiteral("100001"));
+    ASSERT_TRUE(before);
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit none{0, RLIM_INFINITY};
+    rlimit usual{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &usual), 0);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+    const auto saved = store.save(QStringLiteral("100001"), before->version, someContent);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &usual), 0);
+    EXPECT_FALSE(saved);
+    const auto after = store.load(QStringLiteral("100001"));
+    ASSERT_TRUE(after);
+    EXPECT_EQ(*after, *before);
 }
 
 TEST_F(DocumentStoreTest, createsUnderTheNextFreeId)

@@ -5,12 +5,10 @@ import json
 import os
 import struct
 import subprocess
-import time
 import unittest
 import zlib
 
 from e2e_case import EndToEndCase
-from helio_shell import VirtualDisplay
 
 CUSTOM = "Chromium Web Custom MIME Data Format"
 BROWSER_CUSTOM = "chromium/x-web-custom-data"
@@ -41,9 +39,7 @@ def custom_format(**pairs):
 
 class ClipboardTest(EndToEndCase):
     def setUp(self):
-        # A display of its own: the clipboard of a shared one belongs to everybody.
-        self.display = VirtualDisplay()
-        self.addCleanup(self.display.stop)
+        self.display = self.start_display()
         self.shell = self.start_shell(environment={"DISPLAY": self.display.name})
         self.page = self.open(self.shell)
 
@@ -57,10 +53,7 @@ class ClipboardTest(EndToEndCase):
         self.addCleanup(owner.kill)
         owner.stdin.write(data)
         owner.stdin.close()
-        deadline = time.monotonic() + 20
-        while target not in self.targets():
-            self.assertLess(time.monotonic(), deadline, "xclip does not offer " + target)
-            time.sleep(0.05)
+        self.until(lambda: target in self.targets(), "xclip offers " + target)
         return owner
 
     def user(self, *actions):
@@ -155,7 +148,10 @@ class ClipboardTest(EndToEndCase):
         self.assertNotIn("StartHTML", html)
 
     def test_an_owner_that_vanishes_leaves_nothing(self):
-        self.place("UTF8_STRING", b"text").kill()
+        owner = self.place("UTF8_STRING", b"text")
+        owner.kill()
+        owner.wait()
+        self.until(lambda: "UTF8_STRING" not in self.targets(), "nobody offers the text any more")
         self.assertEqual(self.got(), {})
         self.assertEqual(self.call("readClipboard"), {"type": "binary"})
 

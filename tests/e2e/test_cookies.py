@@ -1,10 +1,8 @@
 """Who the browser says that its user is: the cookies that the page writes, the server that asks for them, and sign-in."""
 
-import http.client
 import json
 import os
 import shutil
-import time
 import unittest
 
 from e2e_case import PACKAGE_ZIPS, PROGRAMS, SITE, TEXT_DOCUMENT, EndToEndCase
@@ -12,12 +10,6 @@ from helio_shell import DocumentsServer
 
 NOBODY = {"user": {"loggedIn": False, "userId": "", "sessionKey": ""}}
 DRIVE_PAGE = "setTimeout(() => { location.href = 'https://drive.skyleaf.test/drive'; }, 0)"
-TYPE = """
-    const editor = document.querySelector('.ProseMirror');
-    editor.focus();
-    document.getSelection().selectAllChildren(editor.querySelector('p'));
-    document.getSelection().collapseToEnd();
-    document.execCommand('insertText', false, ' %s');"""
 
 
 class CookiesTest(EndToEndCase):
@@ -33,25 +25,10 @@ class CookiesTest(EndToEndCase):
                 if part in r["target"] and "VLTQuillHybrid" in r["userAgent"]]
 
     def tell_sessions(self, **change):
-        connection = http.client.HTTPConnection("127.0.0.1", self.server.http_port, timeout=10)
-        self.addCleanup(connection.close)
-        connection.request("PUT", "/_control/sessions", json.dumps(change))
-        self.assertEqual(connection.getresponse().status, 200)
+        self.server.control("sessions", change)
 
     def user(self, key, **more):
         return {"user": {"loggedIn": True, "userId": key, "sessionKey": key, **more}}
-
-    def wait_for_text(self, shell, page, text, timeout=30):
-        deadline = time.monotonic() + timeout
-        while True:
-            try:
-                shown = shell.evaluate(page, "return document.body ? document.body.innerText : ''")
-            except Exception as error:  # the document is just being replaced
-                shown = str(error)
-            if text in shown:
-                return shown
-            self.assertLess(time.monotonic(), deadline, "never: %s; shown: %s" % (text, shown[:400]))
-            time.sleep(0.1)
 
     def test_both_origins_get_the_cookies(self):
         shell = self.start_shell(host={**self.user("anna"), "debugInfo": {"weboffice_branch": "feature-1"}})
@@ -66,18 +43,15 @@ class CookiesTest(EndToEndCase):
 
         shell.evaluate(page, DRIVE_PAGE)
         self.wait_for_url(shell, page, "drive.skyleaf.test")
-        self.wait_for_text(shell, page, "Drive")
-        deadline = time.monotonic() + 30
-        while not self.browser_requests("/api/v1/drive/groups"):
-            self.assertLess(time.monotonic(), deadline, "the drive was never listed")
-            time.sleep(0.05)
+        self.until_text(shell, page, "Drive")
+        self.until(lambda: self.browser_requests("/api/v1/drive/groups"), "the drive is listed")
         for cookies in self.browser_requests("/api/v1/drive/groups"):
             self.assertEqual(sorted(cookies), ["vlt_sid", "vltua"])
 
         # A new user: both origins get the new session, and the page is told.
         since = shell.mark()
         shell.evaluate(page, "window.told = []; window.onLogin = text => window.told.push(text); "
-                             "await Promise.race([helio.call('registerCookieUpdateHandler', {callback: 'onLogin'}), new Promise(r => setTimeout(r, 300))]); "
+                             "helio.call('registerCookieUpdateHandler', {callback: 'onLogin'}); await helio.call('clouddocsApiVersion'); "
                              "window.addEventListener('beforeunload', () => sessionStorage.setItem('told', window.told.join()))")
         shell.call("user.set", **self.user("bert")["user"])
         shell.wait_for_page(page, "loadFinished", since=since)
@@ -86,19 +60,16 @@ class CookiesTest(EndToEndCase):
                          {"act": "notifyLoginStatus", "logined": 1, "userid": "bert", "vltkey": "bert"})
         self.tell_sessions(remove=["anna"])
         self.open(shell)
-        self.wait_for_text(shell, page, "Drive")
+        self.until_text(shell, page, "Drive")
         self.assertFalse([r for r in self.server.requests() if r["status"] == 401])
 
     def test_without_session_the_document_asks_to_sign_in(self):
         shell = self.start_shell(host=NOBODY)
-        page = self.create(shell)
-        shell.call("page.notify", page=page, text=self.server.url(TEXT_DOCUMENT))
-        shell.call("page.load", page=page)
-        shell.wait_for_page(page, "loadFinished")
-        self.wait_for_text(shell, page, "Sign in to see this document")
+        page, _ = self.begin(shell, self.server.url(TEXT_DOCUMENT))
+        self.until_text(shell, page, "Sign in to see this document")
         self.assertEqual([r["cookies"] for r in self.server.requests() if r["target"].startswith("/p/")], [["vltua"]])
         self.assertEqual(shell.evaluate(page, """
-            for (let i = 0; i < 50 && document.getElementById('sign-in').hidden; ++i) await new Promise(r => setTimeout(r, 50));
+            while (document.getElementById('sign-in').hidden) await new Promise(r => setTimeout(r, 20));
             return [document.getElementById('sign-in').hidden,
                     getComputedStyle(document.querySelector('.title-bar')).display,
                     (await fetch('/api/v3/office/files')).status,
@@ -125,15 +96,15 @@ class CookiesTest(EndToEndCase):
         shell = self.start_shell(host=self.user("anna"))
         page = self.open(shell)
         self.tell_sessions(remove=["anna"])
-        shell.evaluate(page, TYPE % "Typed without a session.")
-        self.wait_for_text(shell, page, "You are not signed in any more")
+        self.type_text(shell, page, " Typed without a session.")
+        self.until_text(shell, page, "You are not signed in any more")
         buttons = shell.evaluate(page, "return [...document.querySelectorAll('[data-notice=session] button')].map(b => b.innerText)")
         self.assertEqual(buttons, ["Sign in", "Try again"])
         self.assertIn("Typed without a session.", shell.evaluate(page, "return document.body.innerText"))
         since = shell.mark()
         shell.call("user.set", **self.user("bert")["user"])
         self.wait_ready_again(shell, page, since)
-        self.wait_for_text(shell, page, "Typed without a session.")
+        self.until_text(shell, page, "Typed without a session.")
         path = os.path.join(self.directory, self.id(), "100001.json")
         with open(path, encoding="utf-8") as file:
             self.assertIn("Typed without a session.", file.read())

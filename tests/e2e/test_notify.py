@@ -1,7 +1,6 @@
 """What a page can be told: commands, open parameters, tool bar, pages made in advance."""
 
 import json
-import time
 import unittest
 from urllib.parse import urlsplit
 
@@ -33,23 +32,20 @@ class NotifyTest(EndToEndCase):
         self.assertTrue(url.startswith(self.server.url("/secret?x=1&v=")), url)
 
         # On a locked page the command "lock" shows nothing else.
+        count = len(self.server.requests())
         self.shell.call("page.notify", page=page, text="lock")
-        time.sleep(0.3)
+        self.shell.evaluate(page, "await fetch('/robots.txt?after-lock')")
+        self.until_request(lambda each: "after-lock" in each["target"], "what the page asks afterwards", count)
         self.assertEqual(self.state(self.shell, page)["url"], url)
+        self.assertFalse([each for each in self.server.requests()[count:] if "lock" in each["target"].split("?")[0]])
 
     def test_tool_bar(self):
         page = self.create(self.shell)
         self.notify_and_load(page, "")
-
-        def height_with(text):
+        height = self.shell.evaluate(page, "return window.innerHeight")
+        for text, expected in (("setToolBar=1", "< %d"), ("SETTOOLBAR=0", "=== %d"), ("setToolBar=2", "< %d")):
             self.shell.call("page.notify", page=page, text=text)
-            time.sleep(0.5)
-            return self.shell.evaluate(page, "return window.innerHeight")
-
-        shown = height_with("setToolBar=1")
-        hidden = height_with("SETTOOLBAR=0")
-        self.assertLess(shown, hidden)
-        self.assertEqual(height_with("setToolBar=2"), shown)
+            self.until_page(self.shell, page, "window.innerHeight " + expected % height)
 
     def test_invoke_by_name(self):
         page = self.open(self.shell)
@@ -67,7 +63,7 @@ class NotifyTest(EndToEndCase):
         self.assertTrue(self.shell.call("page.openFiles", page=page, args=[base + "&fileid=100002&filename=Budget.xlsx"]))
         created = self.shell.wait_for(lambda n: n.method == "page" and n.params["what"] == "created", since=since)
         preview = created.params["page"]
-        self.shell.wait_for_page(preview, "webFileReady", timeout=60, since=since)
+        self.shell.wait_for_page(preview, "webFileReady", since=since)
         state = self.state(self.shell, preview)
         self.assertEqual(state["type"], 48)
         self.assertEqual(state["properties"]["File_ID"], "100002")
@@ -75,7 +71,7 @@ class NotifyTest(EndToEndCase):
 
         since = self.shell.mark()
         self.assertTrue(self.shell.call("page.openFiles", page=page, args=[base + "&fileid=100002"]))
-        self.shell.wait_for_page(preview, "webFileReady", timeout=60, since=since)  # refreshed, not opened twice
+        self.shell.wait_for_page(preview, "webFileReady", since=since)  # refreshed, not opened twice
         created = [n for n in self.shell.notifications("page")[0:] if n.params["what"] == "created"]
         self.assertEqual(len(created), 2)
 
@@ -96,7 +92,7 @@ class NotifyTest(EndToEndCase):
         self.assertEqual(query(state["notifyUrl"], "pcEnter"), "joinonline")
         since = self.shell.mark()
         self.shell.call("page.load", page=page)
-        self.shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
+        self.shell.wait_for_page(page, "webFileReady", since=since)
         self.assertFalse(self.state(self.shell, page)["properties"]["is_unuse_precreated"])
         inits = [n.params["fields"]["init"] for n in self.shell.notifications("event")
                  if n.params["name"] == "docs_cloud_precreate"]
@@ -110,7 +106,7 @@ class UnusedPageTest(EndToEndCase):
         unused = self.create(shell)
         command = {"action": "preInit", "params": {"entry": "list", "fileId": "100002", "fileName": "Budget.xlsx"}}
         shell.call("page.notify", page=unused, text=json.dumps(command))
-        shell.wait_for_page(unused, "closed", timeout=75)
+        shell.wait_for_page(unused, "closed", timeout=180)
         used = [n.params["fields"]["used"] for n in shell.notifications("event")
                 if n.params["name"] == "docs_cloud_precreate"]
         self.assertEqual(used, ["false", "false"])

@@ -3,24 +3,15 @@
 import glob
 import json
 import os
-import time
 import unittest
 
-from e2e_case import BUILD, PROGRAMS, SITE, TABLE_DOCUMENT
-from helio_shell import DocumentsServer
+from e2e_case import BUILD, TABLE_DOCUMENT, UNTIL_SAVED
 from local_packages import installed_packages
 from package_case import PackageCase
 
 OFFLINE_EDITING = {"60708": {"DOPOfflineEditMasterSwitch": True, "wordDOPSwitch": True, "vsDOPSwitch": True}}
 SEEDS = ("100001.json", "100002.json")
 OFFLINE = "Offline: changes are kept on this computer"
-TYPE = """
-const editor = document.querySelector('.ProseMirror');
-editor.focus();
-document.getSelection().selectAllChildren(editor.querySelector('p'));
-document.getSelection().collapseToEnd();
-document.execCommand('insertText', false, %s);
-"""
 CHANGE_CELL = """
 const cell = document.querySelector('.tabulator-row .tabulator-cell[tabulator-field]');
 cell.dispatchEvent(new MouseEvent('dblclick', {bubbles: true}));
@@ -28,7 +19,6 @@ const input = cell.querySelector('input');
 input.value = 'Offline cell';
 input.dispatchEvent(new Event('change'));
 """
-SAVED = "while (!window.__DOCS_STATE__.saved) await new Promise(r => setTimeout(r, 50));"
 SAVE_STATE = "while (document.getElementById('save-state').textContent !== %s) await new Promise(r => setTimeout(r, 50));"
 
 
@@ -53,32 +43,20 @@ class OfflineTest(PackageCase):
 
     def start_server(self):
         """The server again, at its old address and with its documents, when it is away."""
-        if self.server.is_running:
-            return
-        ports = ["--http-port", str(self.server.http_port), "--https-port", str(self.server.https_port)]
-        type(self).server = DocumentsServer(PROGRAMS, self.documents, SITE, ports)
-        self.addClassCleanup(self.server.stop)
+        if not self.server.is_running:
+            self.server.start()
 
     def start(self):
         user = {"loggedIn": True, "userId": "u", "sessionKey": "k", "localDataDir": self.local_data}
         host = {"configCentre": {"60": OFFLINE_EDITING}, "user": user}
         return self.start_with(installed_packages(BUILD), host, data_dir=os.path.join(self.packages, "data"))
 
-    def type(self, shell, page, text, then=""):
-        shell.evaluate(page, TYPE % json.dumps(text) + then)
-
     def package_files(self, name):
         return glob.glob(os.path.join(self.local_data, "quillfile", "*", "sync", name))
 
-    def wait_until(self, condition, what):
-        deadline = time.monotonic() + 30
-        while not condition():
-            self.assertLess(time.monotonic(), deadline, what)
-            time.sleep(0.05)
-
     def type_offline(self, shell, page, text):
-        self.type(shell, page, text)
-        self.wait_until(lambda: any(text in read(path) for path in self.package_files("unsent.*")), "not kept: " + text)
+        self.type_text(shell, page, text)
+        self.until(lambda: any(text in read(path) for path in self.package_files("unsent.*")), "kept: " + text)
         shell.evaluate(page, SAVE_STATE % json.dumps(OFFLINE))
 
     def stored(self):
@@ -88,8 +66,8 @@ class OfflineTest(PackageCase):
         """Typed with the server, without it, and in a shell that ends at once. Returns a shell that follows, without server."""
         shell = self.start()
         page = self.open_text(shell)
-        self.type(shell, page, " First.", SAVED)
-        self.wait_until(lambda: self.package_files("content.word"), "no copy on the disk")
+        self.type_text(shell, page, " First.", UNTIL_SAVED)
+        self.until(lambda: self.package_files("content.word"), "a copy is on the disk")
         self.stop_server()
         self.type_offline(shell, page, " Second.")
         self.type_offline(shell, page, " Third.")
@@ -105,24 +83,24 @@ class OfflineTest(PackageCase):
         shell, page = self.edit_and_lose_everything()
         self.type_offline(shell, page, " Fourth.")
         self.start_server()
-        shell.evaluate(page, SAVED, timeout=60)
+        shell.evaluate(page, UNTIL_SAVED)
         self.assertIn(" First. Second. Third. Fourth.", self.stored())
-        self.wait_until(lambda: not self.package_files("unsent.*"), "the journal stayed")
-        self.assertIn(" Fourth.", read(self.package_files("content.word")[0]))
+        self.until(lambda: not self.package_files("unsent.*"), "the journal goes")
+        self.until(lambda: " Fourth." in read(self.package_files("content.word")[0]), "the copy is that of the last word")
 
     def test_a_cell_changed_without_the_server_is_sent_later(self):
         shell = self.start()
         page = self.open(shell, TABLE_DOCUMENT)
-        self.wait_until(lambda: self.package_files("content.vs"), "no copy on the disk")
+        self.until(lambda: self.package_files("content.vs"), "a copy is on the disk")
         self.stop_server()
         shell.evaluate(page, CHANGE_CELL)
-        self.wait_until(lambda: any("Offline cell" in read(path) for path in self.package_files("unsent.*")), "not kept")
+        self.until(lambda: any("Offline cell" in read(path) for path in self.package_files("unsent.*")), "the cell is kept")
         shell.kill()
         shell = self.start()
         page = self.open(shell, TABLE_DOCUMENT)
         self.assert_readable(shell, page, "Offline cell")
         self.start_server()
-        shell.evaluate(page, SAVED, timeout=60)
+        shell.evaluate(page, UNTIL_SAVED)
         self.assertIn("Offline cell", read(os.path.join(self.documents, "100002.json")))
 
     def test_a_document_that_moved_on_is_shown_and_the_offline_version_kept_beside_it(self):
@@ -138,7 +116,7 @@ class OfflineTest(PackageCase):
         copy = read(copies[0])
         self.assertIn(" First. Second. Third.", copy)
         self.assertIn("(offline version)", copy)
-        self.wait_until(lambda: not self.package_files("unsent.*"), "the journal stayed")
+        self.until(lambda: not self.package_files("unsent.*"), "the journal goes")
 
 
 if __name__ == "__main__":

@@ -4,9 +4,7 @@ import json
 import os
 import unittest
 
-from e2e_case import TABLE_DOCUMENT, TEXT_DOCUMENT, EndToEndCase, query
-
-SAVED = "return await new Promise(r => { const t = setInterval(() => { if (window.__DOCS_STATE__.saved) { clearInterval(t); r(true); } }, 50); })"
+from e2e_case import TABLE_DOCUMENT, TEXT_DOCUMENT, UNTIL_SAVED, EndToEndCase, query
 
 
 class OpenTest(EndToEndCase):
@@ -28,14 +26,7 @@ class OpenTest(EndToEndCase):
 
         text = self.shell.evaluate(page, "return document.body.innerText")
         self.assertIn("Welcome", text)
-        self.shell.evaluate(page, """
-            const editor = document.querySelector('.ProseMirror');
-            editor.focus();
-            document.getSelection().selectAllChildren(editor.querySelector('p'));
-            document.getSelection().collapseToEnd();
-            document.execCommand('insertText', false, ' Written by a test.');
-            await new Promise(r => setTimeout(r, 200));""")
-        self.shell.evaluate(page, SAVED, timeout=20)
+        self.type_text(self.shell, page, " Written by a test.", UNTIL_SAVED)
         with open(os.path.join(self.documents, "100001.json"), encoding="utf-8") as file:
             self.assertIn("Written by a test.", json.dumps(json.load(file)["content"]))
 
@@ -51,11 +42,28 @@ class OpenTest(EndToEndCase):
         self.assertEqual(sorted(times), ["create_browser_time", "navigate_time", "prepare_time"])
         self.assertTrue(all(int(each) >= 0 for each in times.values()), times)
         self.assertTrue(steps["steps"].startswith("create_succeeded;"), steps["steps"])
-        self.assertTrue(steps["steps"].endswith("load_finished;web_file_ready;") or "web_file_ready" in steps["steps"])
+        self.assertTrue(steps["steps"].endswith("web_file_ready;"), steps["steps"])
         requests = [n.params for n in self.shell.notifications("request") if n.params["page"] == page]
         self.assertTrue(any("/preopen/word" in r["url"] and r["by"] == "network" and r["status"] == 200 for r in requests))
         user_agent = [r["userAgent"] for r in self.server.requests() if "/preopen/" in r["target"]][-1]
         self.assertTrue(user_agent.endswith(" VLTQuillHybrid/1.0"), user_agent)
+
+    def test_code_block_becomes_a_code_editor(self):
+        page = self.open(self.shell)
+        shown = self.shell.evaluate(page, """
+            const editor = document.querySelector('.ProseMirror');
+            const block = () => document.querySelector('.code-block .cm-content');
+            const until = async (isDone) => { while (!isDone()) await new Promise(r => setTimeout(r, 20)); };
+            editor.focus();
+            document.getSelection().selectAllChildren(editor.querySelector('p'));
+            document.execCommand('insertText', false, '```python ');
+            await until(block);
+            block().focus();
+            document.getSelection().selectAllChildren(block());
+            document.execCommand('insertText', false, 'answer = 42');
+            await until(() => block().querySelector('span[class]'));
+            return [block().innerText, document.querySelector('.code-block select').value];""")
+        self.assertEqual(shown, ["answer = 42", "Python"])
 
     def test_table_document_opens(self):
         page = self.open(self.shell, TABLE_DOCUMENT)

@@ -50,7 +50,7 @@ class PreviewTest(EndToEndCase):
         since = self.shell.mark()
         text = self.preview(url, "docx", "100001", "filePath", *local.replace("A/", "A&").split("&"))
         self.assertIs(self.notify(page, text), True)
-        self.shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
+        self.shell.wait_for_page(page, "webFileReady", since=since)
         properties = self.properties(page)
         self.assertEqual(properties["File_ID"], "100001")
         self.assertEqual(properties["fileName"], "Plan B.docx")
@@ -68,7 +68,7 @@ class PreviewTest(EndToEndCase):
         since = self.shell.mark()
         encoded_url = encoded(self.server.url("/p/100002%3FofficeType%3Ds"))
         self.assertIs(self.notify(other, "previewCloudDoc&&&xlsx&percentEncoding&NEWPAGE&" + encoded_url), True)
-        self.shell.wait_for_page(other, "webFileReady", timeout=60, since=since)
+        self.shell.wait_for_page(other, "webFileReady", since=since)
         self.assertIn("Budget", self.state(self.shell, other)["title"])
 
         plain = self.create(self.shell, 48)
@@ -87,7 +87,7 @@ class PreviewTest(EndToEndCase):
             self.shell.evaluate(page, OPEN_LINK % ("'%s'" % self.server.url("/p/100002?officeType=s")))
             made = self.shell.wait_for(
                 lambda n: n.method == "page" and n.params["what"] == "created", since=since).params["page"]
-            self.shell.wait_for_page(made, "loadFinished", timeout=60, since=since)
+            self.shell.wait_for_page(made, "loadFinished", since=since)
             state = self.state(self.shell, made)
             self.assertIn("/p/100002", state["url"])
             self.assertTrue(state["current"])

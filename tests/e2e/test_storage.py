@@ -10,7 +10,6 @@ from package_case import PackageCase
 
 CALL = """
 return await new Promise((resolve, reject) => {
-  setTimeout(() => reject(new Error('no answer')), 10000);
   window.__answer__ = (text) => resolve(JSON.parse(text));
   helio.call('docs.storage.info.%s', {...%s, callback: '__answer__'}).catch(reject);
 })"""
@@ -62,7 +61,7 @@ class StorageTest(PackageCase):
         text = json.dumps(copy).replace("Welcome to Skyleaf", "From the local copy </script>")
         self.write(record, "pkgSyncPath", "content.word", text)
         self.write(record, "pkgCachePath", "csr.html", "<h1>Kept rendering</h1>")
-        self.control("fault", {"/api/v3/office/file/100001/preopen": {"delayMs": 2000}})
+        self.control("fault", {"/api/v3/office/file/100001/preopen": {"delayMs": 10000}})
         page = self.open_text(shell, TEXT_DOCUMENT + "&localId=" + record["localId"])
         self.assertEqual(shell.evaluate(page, "return window.__DOCS_STATE__.contentFrom"), "injected")
         self.assert_readable(shell, page, "From the local copy </script>")

@@ -29,6 +29,7 @@ class StoryTest(PackageCase):
     def test_a_local_open(self):
         self.control("shaping", {"rttMs": 300, "kbps": 10000})
         self.addCleanup(self.control, "shaping", {"rttMs": 0, "kbps": 0})
+        self.control("fault", {"/api/v3/office/file/100002/preopen": {"delayMs": 3500}})  # the page asks before it is there
         shell = self.start_with(installed_packages(BUILD), preloading=True)
         page = self.open_text(shell, TABLE_DOCUMENT)
         shell.wait_for_page(page, "loadFinished")

@@ -5,13 +5,13 @@ import json
 import os
 import random
 import signal
-import time
 import unittest
 import urllib.request
 
 from e2e_case import BUILD
 from local_packages import installed_packages
 from package_case import PackageCase
+from processes import service_process
 
 INTERFACE_PAGE = "/interface.html"
 
@@ -19,7 +19,8 @@ INTERFACE_PAGE = "/interface.html"
 LISTEN = """
 window.__reports__ = [];
 window.onReport = (text) => window.__reports__.push(JSON.parse(text));
-await Promise.race([helio.call('%s', {callback: 'onReport'}), new Promise((done) => setTimeout(done, 50))]);"""
+helio.call('%s', {callback: 'onReport'});
+await helio.call('clouddocsApiVersion');"""
 
 
 def digest(path):
@@ -38,11 +39,8 @@ class TransfersTest(PackageCase):
         self.data_dir = os.path.join(self.packages, "shell")
         user = {"loggedIn": True, "userId": "u", "sessionKey": "k", "localDataDir": os.path.join(self.packages, "local")}
         shell = self.start_with(installed_packages(BUILD), {"user": user}, data_dir=self.data_dir)
-        page = self.create(shell)
-        since = shell.mark()
-        shell.call("page.notify", page=page, text=self.server.url(INTERFACE_PAGE))
-        shell.call("page.load", page=page)
-        shell.wait_for_page(page, "loadFinished", timeout=60, since=since)
+        page, _ = self.begin(shell, self.server.url(INTERFACE_PAGE))
+        self.until_page(shell, page, "Boolean(window.helioInterface)")
         return shell, page
 
     def drive(self, path):
@@ -71,22 +69,7 @@ class TransfersTest(PackageCase):
         shell.evaluate(page, "helio.call('%s', %s); return true" % (name, json.dumps(arguments)))
 
     def kill_service(self):
-        for name in os.listdir("/proc"):
-            try:
-                with open("/proc/%s/cmdline" % name, "rb") as file:
-                    parts = file.read().split(b"\0")
-            except OSError:
-                continue
-            if parts[0].endswith(b"/vltcloudsvr") and self.data_dir.encode() in parts:
-                os.kill(int(name), signal.SIGKILL)
-                return
-        self.fail("the cloud service does not run")
-
-    def wait_until(self, done, what, timeout=120):
-        deadline = time.monotonic() + timeout
-        while not done():
-            self.assertLess(time.monotonic(), deadline, what)
-            time.sleep(0.1)
+        os.kill(self.until(lambda: service_process(self.data_dir), "the cloud service runs"), signal.SIGKILL)
 
     def count_below(self, folder):
         return sum(len(names) for _, _, names in os.walk(folder))
@@ -102,11 +85,11 @@ class TransfersTest(PackageCase):
         shell.evaluate(page, LISTEN % "fileUploadListener")
         shell.call("dialog.answer", dialog="file", value=[source])
         self.call(shell, page, "callFileUploader", {"isDir": "1", "groupid": "0", "parentid": "0"})
-        self.wait_until(lambda: self.item("0", "folder") and self.stored_files(self.item("0", "folder")["id"]) > 100, "nothing goes up")
+        self.until(lambda: self.item("0", "folder") and self.stored_files(self.item("0", "folder")["id"]) > 100, "a part goes up")
         self.kill_service()
         folder = self.item("0", "folder")["id"]
-        self.wait_until(lambda: self.stored_files(folder) == count + 1, "not all went up")
-        self.wait_until(lambda: shell.evaluate(page, "return window.__reports__.some((each) => !each.queued)"), "no report says so")
+        self.until(lambda: self.stored_files(folder) == count + 1, "all goes up")
+        self.until(lambda: shell.evaluate(page, "return window.__reports__.some((each) => !each.queued)"), "a report says so")
         reported = shell.evaluate(page, "return window.__reports__.flatMap((each) => each.success.map(({src, sha1}) => [src, sha1]))")
         expected = {os.path.join(source, path): sha1 for path, sha1 in tree(source).items()}
         self.assertTrue(dict(reported) == expected, "the reports of success are not those of the files")
@@ -117,12 +100,12 @@ class TransfersTest(PackageCase):
         shell.evaluate(page, LISTEN % "fileDownloadListener")
         shell.call("dialog.answer", dialog="file", value=[target])
         self.call(shell, page, "callFileDownload", {"fileids": [{"id": folder, "idDir": True}], "groupid": "0"})
-        self.wait_until(lambda: self.count_below(target) > 100, "nothing comes down")
+        self.until(lambda: self.count_below(target) > 100, "a part comes down")
         self.kill_service()
         arrived = os.path.join(target, "folder")
         expected = tree(source)
-        self.wait_until(lambda: self.count_below(target) == len(expected) and tree(arrived) == expected, "not all came down")
-        self.wait_until(lambda: shell.evaluate(page, "return window.__reports__.length > 0"), "no report of the download")
+        self.until(lambda: self.count_below(target) == len(expected) and tree(arrived) == expected, "all comes down")
+        self.until(lambda: shell.evaluate(page, "return window.__reports__.length > 0"), "a report of the download")
 
     def test_a_new_version_keeps_the_file_and_another_suffix_is_refused(self):
         shell, page = self.start()
@@ -132,7 +115,7 @@ class TransfersTest(PackageCase):
                 file.write(text)
         shell.evaluate(page, LISTEN % "fileUploadListener")
         self.call(shell, page, "uploadFileDrag", {"groupid": "0", "parentid": "0", "files": [first]})
-        self.wait_until(lambda: self.item("0", "plan.txt"), "not uploaded")
+        self.until(lambda: self.item("0", "plan.txt"), "it is uploaded")
         file_id = self.item("0", "plan.txt")["id"]
         version = {"isDir": "0", "groupid": "0", "parentid": "0", "fileid": file_id, "filename": "plan.txt"}
         shell.call("dialog.answer", dialog="file", value=[other])
@@ -140,7 +123,7 @@ class TransfersTest(PackageCase):
                          {"result": "FileSuffixConflict"})
         shell.call("dialog.answer", dialog="file", value=[second])
         self.call(shell, page, "callFileUploader", version)
-        self.wait_until(lambda: self.drive("items/" + file_id)["version"] == 2, "no new version")
+        self.until(lambda: self.drive("items/" + file_id)["version"] == 2, "a new version")
         self.assertEqual(self.drive("items/" + file_id)["sha1"], hashlib.sha1(b"two").hexdigest())
         # The dialog is cancelled: nothing happens, and the page can go on.
         self.call(shell, page, "callFileUploader", {"isDir": "0"})
@@ -156,7 +139,7 @@ class TransfersTest(PackageCase):
         gone = os.path.join(self.packages, "gone.txt")
         self.call(shell, page, "uploadFileDrag", {"groupid": "0", "parentid": "0", "files": [path, gone]})
         failed = "return window.__reports__.flatMap((each) => each.failed.map(({src}) => src))"
-        self.wait_until(lambda: {path, gone} <= set(shell.evaluate(page, failed)), "the failures are not reported")
+        self.until(lambda: {path, gone} <= set(shell.evaluate(page, failed)), "the failures are reported")
         messages = shell.evaluate(page, "return window.__reports__.flatMap((each) => each.failed.map(({result, msg}) => [result, msg]))")
         self.assertTrue(all(result == "Failed" and message for result, message in messages), messages)
 

@@ -188,7 +188,8 @@ TEST_F(Preload, WithoutTheLocalProxyTheFrontEndIsNotEvenLookedAt)
     switches = "{}";
     useHooks();
     open();
-    EXPECT_TRUE(checks().filter(QStringLiteral("Framework fail--")).size() == checks().size());
+    ASSERT_FALSE(checks().isEmpty());
+    EXPECT_EQ(checks().filter(QStringLiteral("Framework fail--")), checks());
     EXPECT_EQ(browser->loads.size(), 1);
     EXPECT_EQ(browser->container()->resourceCacheClearings, 0);
 }

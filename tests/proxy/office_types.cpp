@@ -33,14 +33,4 @@ TEST(OfficeTypes, NamesBelongToCodes)
     EXPECT_FALSE(nofficetypes::isSsrSupported(s("f")) || nofficetypes::isPreopenSupported(s("f")));
 }
 
-TEST(OfficeTypes, HybridUrls)
-{
-    const auto& config = NDocsOfflinePage::NDOPConfig::instance();
-    EXPECT_TRUE(config.isHybridUrl(QUrl(s("https://d.test/p/1?officeType=W&openEnv=HYBRID"))));
-    for (const char* url : {"", "https://d.test/p/1", "https://d.test/p/1?officeType=w",
-                            "https://d.test/p/1?officeType=x&openEnv=hybrid"}) {
-        EXPECT_FALSE(config.isHybridUrl(QUrl(s(url)))) << url;
-    }
-}
-
 } // namespace

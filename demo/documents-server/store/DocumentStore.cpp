@@ -178,7 +178,8 @@ Failure DocumentStore::write(const Document& document) const
 {
     const QByteArray text = toFileText(document);
     QSaveFile file(pathOf(document.id));
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
+    // The text may still be in a buffer, and `commit` does not tell when a full disk refuses that.
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() && file.commit())
         return std::nullopt;
     return Error{ErrorCode::Storage,
                  QStringLiteral("Document %1 cannot be written: %2.").arg(document.id, file.errorString())};

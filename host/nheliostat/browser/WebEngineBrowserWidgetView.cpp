@@ -5,6 +5,7 @@
 #include "nheliostat/browser/ResourceRegistrations.h"
 #include "nheliostat/browser/TakeOverWatch.h"
 #include "nheliostat/browser/WebViewContainer.h"
+#include "nrt/NSettings.h"
 #include "zeolite/NxLoggerLite.h"
 
 #include <QGridLayout>
@@ -18,6 +19,18 @@ namespace {
 
 /** Which browser shows which view. */
 constexpr const char* browserProperty = "nheliostatBrowser";
+
+/** What the deployment allows a document that was loaded in advance, in milliseconds. */
+TakeOverWatch::Limits takeOverLimits()
+{
+    TakeOverWatch::Limits limits;
+    nrt::NCCCommonSettings settings;
+    settings.beginGroup(QStringLiteral("takeOver"));
+    limits.script = settings.value(QStringLiteral("scriptMs"), limits.script).toInt();
+    limits.answer = settings.value(QStringLiteral("answerMs"), limits.answer).toInt();
+    limits.document = settings.value(QStringLiteral("documentMs"), limits.document).toInt();
+    return limits;
+}
 
 } // namespace
 
@@ -72,7 +85,7 @@ void WebEngineBrowserWidget::letGoOfView()
 
 void WebEngineBrowserWidget::watchTakeOver()
 {
-    m_takeOver = new TakeOverWatch(TakeOverWatch::Limits(), this);
+    m_takeOver = new TakeOverWatch(takeOverLimits(), this);
     connect(m_takeOver, &TakeOverWatch::failed, this, &WebEngineBrowserWidget::giveUpTakeOver);
     connect(m_takeOver, &TakeOverWatch::shown, m_cover, &QWidget::hide);
 }

@@ -124,7 +124,9 @@ void Worker::sweep()
     for (const std::shared_ptr<ClientConnection>& connection : connections)
         connection->expireIfDue(m_now);
     m_pool.expire(m_now);
-    scheduleSweep();
+    // The timer may have fired before `shutDown` could cancel it: setting it again would keep the thread for good.
+    if (m_work.owns_work())
+        scheduleSweep();
 }
 
 } // namespace gateway

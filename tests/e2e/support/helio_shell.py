@@ -10,16 +10,23 @@ Standard library only. Every process that is started here is ended here.
 """
 
 import collections
+import glob
 import json
 import os
 import shutil
-import signal
 import subprocess
 import tempfile
 import threading
 import time
 
-DEFAULT_TIMEOUT = 30.0
+from documents_server import DocumentsServer, merged
+from processes import ManagedProcess, VirtualDisplay
+
+__all__ = ["DocumentsServer", "ManagedProcess", "Notification", "RpcError", "Shell", "ShellEnded", "VirtualDisplay",
+           "merged", "write_host_file"]
+
+# How long something is waited for that should happen: ample, since a machine may be busy.
+DEFAULT_TIMEOUT = 60.0
 
 
 class RpcError(Exception):
@@ -39,55 +46,6 @@ class ShellEnded(Exception):
 Notification = collections.namedtuple("Notification", "method params at")
 
 
-class ManagedProcess:
-    """A child process in a process group of its own, so that what it started ends with it."""
-
-    def __init__(self, command, **options):
-        self.process = subprocess.Popen(command, start_new_session=True, **options)
-
-    def stop(self, timeout=10.0):
-        """Asks it to end, insists after a while. Returns the exit status."""
-        if self.process.poll() is None:
-            self._signal(signal.SIGTERM)
-            try:
-                self.process.wait(timeout)
-            except subprocess.TimeoutExpired:
-                pass
-        return self.kill()
-
-    def kill(self):
-        """Ends whatever is left of the group. Returns the exit status."""
-        self._signal(signal.SIGKILL)
-        return self.process.wait()
-
-    def _signal(self, number):
-        try:
-            os.killpg(self.process.pid, number)
-        except ProcessLookupError:
-            pass
-
-
-class VirtualDisplay:
-    """An X server without a screen, for machines without one."""
-
-    def __init__(self, size="1400x900x24"):
-        read_end, write_end = os.pipe()
-        command = ["Xvfb", "-displayfd", str(write_end), "-screen", "0", size, "-nolisten", "tcp"]
-        self._server = ManagedProcess(
-            command, pass_fds=[write_end], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL
-        )
-        os.close(write_end)
-        with os.fdopen(read_end) as answer:
-            number = answer.readline().strip()
-        if not number:
-            self.stop()
-            raise RuntimeError("Xvfb did not start")
-        self.name = ":" + number
-
-    def stop(self):
-        self._server.stop()
-
-
 def write_host_file(directory, members):
     """Writes a host file into the directory, replacing it in one step. Returns its path."""
     path = os.path.join(directory, "host.json")
@@ -97,99 +55,14 @@ def write_host_file(directory, members):
     return path
 
 
-def merged(base, extra):
-    """`base` with the members of `extra`; objects are merged member by member."""
-    result = dict(base)
-    for name, value in extra.items():
-        both = isinstance(value, dict) and isinstance(result.get(name), dict)
-        result[name] = merged(result[name], value) if both else value
-    return result
-
-
-class DocumentsServer:
-    """The documents server on free ports of this machine."""
-
-    def __init__(self, programs, documents, site, arguments=(), host="docs.skyleaf.test", drive="drive.skyleaf.test"):
-        self.host = host
-        self.drive = drive
-        self._directory = tempfile.mkdtemp(prefix="skyleaf-documents-")
-        ready_file = os.path.join(self._directory, "ready.json")
-        self.access_log = os.path.join(self._directory, "access.jsonl")
-        self.log_path = os.path.join(self._directory, "server.log")
-        command = [
-            os.path.join(programs, "skyleaf-documents-server"),
-            "--documents", documents, "--site", site, "--http-port", "0", "--https-port", "0",
-            "--ready-file", ready_file, "--access-log", self.access_log,
-            *arguments,
-        ]  # fmt: skip
-        with open(self.log_path, "wb") as log:
-            self._process = ManagedProcess(command, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
-        try:
-            ports = self._wait_until_ready(ready_file)
-        except Exception:
-            self.stop()
-            raise
-        self.http_port = ports["http"]
-        self.https_port = ports["https"]
-
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
-        self.stop()
-
-    @property
-    def pid(self):
-        return self._process.process.pid
-
-    @property
-    def is_running(self):
-        return self._process.process.poll() is None
-
-    def _wait_until_ready(self, path):
-        deadline = time.monotonic() + DEFAULT_TIMEOUT
-        while not os.path.exists(path):
-            if not self.is_running or time.monotonic() > deadline:
-                with open(self.log_path, encoding="utf-8", errors="replace") as log:
-                    raise RuntimeError("the documents server did not start: " + log.read())
-            time.sleep(0.02)
-        with open(path, encoding="utf-8") as file:
-            return json.load(file)
-
-    def url(self, path="/", scheme="https"):
-        """The address of a path as the browser sees it."""
-        return "%s://%s%s" % (scheme, self.host, path)
-
-    def host_members(self, **extra):
-        """Members of a host file that lead to this server."""
-        resolve = {}
-        for host in (self.host, self.drive):
-            resolve[host + ":443"] = "127.0.0.1:%d" % self.https_port
-            resolve[host + ":80"] = "127.0.0.1:%d" % self.http_port
-        return merged({"resolve": resolve}, extra)
-
-    def requests(self):
-        """The requests that the server has logged so far, oldest first."""
-        if not os.path.exists(self.access_log):
-            return []
-        with open(self.access_log, encoding="utf-8") as file:
-            return [json.loads(line) for line in file if line.endswith("\n")]
-
-    def kill(self):
-        """Ends the server as a power cut would."""
-        self._process.kill()
-
-    def stop(self):
-        self._process.stop()
-        shutil.rmtree(self._directory, ignore_errors=True)
-
-
 class Shell:
     """A shell that obeys the control protocol. Calls may come from any thread."""
 
-    def __init__(self, programs, host=None, data_dir=None, text=None, arguments=(), environment=None):
-        """`host`: members of a host file. `data_dir`: kept when given, else made and removed with the shell."""
-        self._directory = tempfile.mkdtemp(prefix="skyleaf-shell-")
+    def __init__(self, programs, host=None, data_dir=None, text=None, arguments=(), environment=None, directory=None):
+        """`host`: members of a host file. `data_dir`: kept when given, else in the directory. `directory`: where logs and
+        the host file are; kept when given, else made and removed with the shell."""
+        self._owns_directory = directory is None
+        self._directory = directory or tempfile.mkdtemp(prefix="skyleaf-shell-")
         self._display = None
         self._open_calls = {}
         self._last_id = 0
@@ -233,7 +106,11 @@ class Shell:
 
     @property
     def pid(self):
-        return self._process.process.pid
+        return self._process.pid
+
+    @property
+    def is_running(self):
+        return self._process.is_running
 
     # Calls
 
@@ -283,7 +160,7 @@ class Shell:
         with self._changed:
             return len(self._notifications)
 
-    def wait_for(self, predicate, timeout=DEFAULT_TIMEOUT, since=0):
+    def wait_for(self, predicate, timeout=DEFAULT_TIMEOUT, since=0, what="notification"):
         """The first notification, from number `since` on, that the predicate takes; waits until there is one."""
         found = []
         position = since
@@ -297,18 +174,25 @@ class Shell:
             return bool(found)
 
         with self._changed:
-            self._wait(search, timeout, "notification")
+            self._wait(search, timeout, what)
         return found[0]
 
     def wait_for_page(self, page, what, timeout=DEFAULT_TIMEOUT, since=0):
         wanted = {"page": page, "what": what}
-        return self.wait_for(lambda each: each.method == "page" and each.params == wanted, timeout, since)
+        return self.wait_for(lambda each: each.method == "page" and each.params == wanted, timeout, since,
+                             '"%s" of page %s' % (what, page))
 
-    def wait_for_event(self, name, timeout=DEFAULT_TIMEOUT, since=0):
-        return self.wait_for(lambda each: each.method == "event" and each.params["name"] == name, timeout, since)
+    def wait_for_event(self, name, timeout=DEFAULT_TIMEOUT, since=0, **fields):
+        """An event of data collection; with these values among its fields."""
+        def is_wanted(each):
+            if each.method != "event" or each.params["name"] != name:
+                return False
+            return all(each.params["fields"].get(key) == value for key, value in fields.items())
+        return self.wait_for(is_wanted, timeout, since, "event %s %s" % (name, fields or ""))
 
     def wait_for_log(self, text, timeout=DEFAULT_TIMEOUT, since=0):
-        return self.wait_for(lambda each: each.method == "log" and text in each.params["text"], timeout, since)
+        return self.wait_for(lambda each: each.method == "log" and text in each.params["text"], timeout, since,
+                             "line of the log with %r" % text)
 
     def _wait(self, is_done, timeout, what):
         """With the lock held."""
@@ -318,8 +202,13 @@ class Shell:
                 raise ShellEnded("the shell ended before the %s: %s" % (what, self.errors()))
             left = deadline - time.monotonic()
             if left <= 0:
-                raise TimeoutError("no %s within %s s: %s" % (what, timeout, self.errors()))
+                raise TimeoutError("no %s within %s s; the latest notifications:\n%s\n%s" % (
+                    what, timeout, self._latest(), self.errors()))
             self._changed.wait(left)
+
+    def _latest(self, count=12):
+        return "\n".join("  %s %s" % (each.method, json.dumps(each.params, ensure_ascii=False)[:200])
+                         for each in self._notifications[-count:])
 
     def _read(self):
         for line in self._process.process.stdout:
@@ -346,7 +235,7 @@ class Shell:
         except OSError:
             return ""
 
-    def quit(self, timeout=20.0):
+    def quit(self, timeout=60.0):
         """Ends the shell as a user would. Returns the exit status; 0 is a clean end."""
         process = self._process.process
         if process.poll() is None:
@@ -354,11 +243,27 @@ class Shell:
                 self.send_line(json.dumps({"jsonrpc": "2.0", "method": "shell.quit"}))
                 process.stdin.close()
                 process.wait(timeout)
-            except (ShellEnded, OSError, subprocess.TimeoutExpired):
+            except subprocess.TimeoutExpired:
+                self._note_threads()
+            except (ShellEnded, OSError):
                 pass
         status = self._process.stop()
         self._clean_up()
         return status
+
+    def _note_threads(self):
+        """Adds to the errors what the threads of a shell that does not end are waiting in."""
+        with open(self.stderr_path, "a", encoding="utf-8") as errors:
+            errors.write("the shell does not end; its threads:\n")
+            for folder in sorted(glob.glob("/proc/%d/task/*" % self.pid)):
+                texts = []
+                for name in ("comm", "wchan", "syscall"):
+                    try:
+                        with open(os.path.join(folder, name), encoding="ascii", errors="replace") as file:
+                            texts.append(file.read().strip())
+                    except OSError:
+                        continue  # it ended meanwhile, or the machine does not tell
+                errors.write("  %s %s\n" % (os.path.basename(folder), " ".join(texts)))
 
     def kill(self):
         """Ends the shell and its child processes as a power cut would; the data directory stays when it was given."""
@@ -374,4 +279,5 @@ class Shell:
         if self._display:
             self._display.stop()
             self._display = None
-        shutil.rmtree(self._directory, ignore_errors=True)
+        if self._owns_directory:
+            shutil.rmtree(self._directory, ignore_errors=True)

@@ -1,29 +1,16 @@
 """What the end-to-end tests of local packages share."""
 
-import json
 import os
 import shutil
-import time
-import urllib.request
 
 from e2e_case import BUILD, TEXT_DOCUMENT, EndToEndCase
-from helio_shell import RpcError, merged
+from helio_shell import merged
 from local_packages import copy_package, installed_packages, plugin_members, switches
+from processes import service_process
+
+__all__ = ["PackageCase", "service_process"]
 
 FRONT_VERSION = "return document.documentElement.dataset.frontVersion"
-
-
-def service_process(data_dir):
-    """The cloud service process of a data directory; None when there is none."""
-    for number in filter(str.isdigit, os.listdir("/proc")):
-        try:
-            with open("/proc/%s/cmdline" % number, "rb") as file:
-                arguments = file.read().decode(errors="replace").split("\0")
-        except OSError:
-            continue
-        if os.path.basename(arguments[0]) == "vltcloudsvr" and data_dir in arguments:
-            return int(number)
-    return None
 
 
 class PackageCase(EndToEndCase):
@@ -36,10 +23,7 @@ class PackageCase(EndToEndCase):
 
     def control(self, resource, body):
         """Tells the documents server what to do from now on."""
-        request = urllib.request.Request(
-            "http://127.0.0.1:%d/_control/%s" % (self.server.http_port, resource), json.dumps(body).encode(), method="PUT")
-        with urllib.request.urlopen(request, timeout=10) as answer:
-            self.assertEqual(answer.status, 200)
+        self.server.control(resource, body)
 
     def package(self, version, kind="w"):
         """A package of its own, of that version."""
@@ -67,14 +51,7 @@ class PackageCase(EndToEndCase):
                 if each["target"].startswith(("/p/", "/l/", "/hybrid/", "/weboffice-static/", "/dist_langs/"))]
 
     def assert_readable(self, shell, page, text="Welcome"):
-        deadline = time.monotonic() + 20  # a page may be on its way to the server once more
-        found = ""
-        while text not in found and time.monotonic() < deadline:
-            try:
-                found = shell.evaluate(page, "return document.body.innerText")
-            except RpcError:
-                time.sleep(0.1)
-        self.assertIn(text, found)
+        self.until_text(shell, page, text)
 
     def front_version(self, shell, page):
         return shell.evaluate(page, FRONT_VERSION)

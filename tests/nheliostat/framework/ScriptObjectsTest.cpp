@@ -153,29 +153,6 @@ TEST(PageHandlers, TheDockPanelsKnowThePage)
     EXPECT_EQ(context.reply()["fileInfo"]["fileName"].asString(), "ä.docx");
 }
 
-TEST(FakeBrowser, RaisesTheSignalsOfANewWebViewInOrder)
-{
-    FakeBrowserWidget browser;
-    QStringList order;
-    QObject::connect(&browser, &NHelioBrowserWidgetBase::webviewCreated, &browser,
-                     [&] { order.append(s("webviewCreated")); });
-    QObject::connect(&browser, &NHelioBrowserWidgetBase::creatingApi, &browser,
-                     [&](NxWebViewContainer* container, QObject** object) {
-                         order.append(s("creatingApi"));
-                         *object = new NHelioCommonJSAPI(container, container);
-                     });
-    QObject::connect(&browser, &NHelioBrowserWidgetBase::browserCreated, &browser,
-                     [&] { order.append(s("browserCreated")); });
-    QSignalSpy fileReady(&browser, &NHelioBrowserWidgetBase::webFileReady);
-    browser.initWebView();
-    EXPECT_EQ(order, QStringList({s("webviewCreated"), s("creatingApi"), s("browserCreated")}));
-    EXPECT_TRUE(browser.deliverScriptReport(s("webFileReady"), {}));
-    EXPECT_EQ(fileReady.count(), 1);
-    browser.releaseWebView();
-    EXPECT_EQ(browser.webViewContainer(), nullptr);
-    EXPECT_FALSE(browser.deliverScriptReport(s("webFileReady"), {}));
-}
-
 TEST(BrowserModule, CallsWhatIsRegistered)
 {
     const QString name = s("openFileWithQuillDrive");
