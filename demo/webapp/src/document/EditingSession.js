@@ -23,14 +23,16 @@ export class EditingSession {
    * @param {Element} options.host
    * @param {import('./DocumentsApi.js').DocumentsApi} options.api
    * @param {(state: import('./SaveQueue.js').SaveState) => void} options.onSaveState
+   * @param {() => void} [options.onChange] the content changed
    */
-  constructor({ opened, mount, host, api, onSaveState }) {
+  constructor({ opened, mount, host, api, onSaveState, onChange = () => {} }) {
     this.fileId = opened.fileId;
     this.fileName = opened.fileName;
     this.version = opened.version === null && opened.base !== undefined ? opened.base : opened.version;
     const changed = () => {
       if (this.keeper) this.keeper.changed();
       this.#queue.changed();
+      onChange();
     };
     this.#editor = mount(host, opened.content, { onChange: changed, fileName: opened.fileName });
     this.#queue = new SaveQueue({
@@ -113,11 +115,24 @@ export class EditingSession {
     return this.#queue.overwrite();
   }
 
+  /** Whether the page's end would lose something now. */
+  get holdsUnsaved() {
+    return this.hasUnsavedChanges && !this.isKept;
+  }
+
+  /** Saves and keeps what can be. @returns {Promise<boolean>} whether the page's end then loses nothing */
+  async prepareToLeave() {
+    const kept = this.keep();
+    await this.save();
+    await kept;
+    return !this.holdsUnsaved;
+  }
+
   /** Starts to save, and says whether the page's end would cut that short. */
   leavingLosesChanges() {
     this.#editor.commit();
-    if (!this.hasUnsavedChanges) return false;
-    if (this.isKept) return false;
+    if (!this.holdsUnsaved) return false;
+    this.keep();
     const stuck = ['failed', 'conflict', 'held'].includes(this.#queue.state.kind);
     this.#queue.flush();
     return stuck || JSON.stringify(this.#editor.content()).length > sentOnLeaving;
