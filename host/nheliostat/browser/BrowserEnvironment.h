@@ -41,8 +41,8 @@ public:
         QStringList interceptedHosts;
         QMap<QString, QString> resolve; //!< as GatewayOptions::resolve
         GatewayLimits gatewayLimits;
-        bool headless = false;          //!< nobody sits before the screen: no dialogs
-        QString startupPagesFile;       //!< empty: in the user's configuration directory
+        bool headless = false;    //!< nobody sits before the screen: no dialogs
+        QString startupPagesFile; //!< empty: in the user's configuration directory
     };
     /** `factory` may be null; the page it makes belongs to whoever asks it. */
     using NewPageHandler = std::function<void(NHelioBrowserWidgetBase* opener,

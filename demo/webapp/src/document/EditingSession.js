@@ -89,7 +89,7 @@ export class EditingSession {
 
   /** Brings what is unsaved to this computer's disk, where that is done. @returns {Promise<boolean>} whether it is there */
   async keep() {
-    if (this.keeper) await this.keeper.record();
+    if (this.keeper) await this.keeper.settle();
     return this.isKept;
   }
 
@@ -122,9 +122,10 @@ export class EditingSession {
 
   /** Saves and keeps what can be. @returns {Promise<boolean>} whether the page's end then loses nothing */
   async prepareToLeave() {
-    const kept = this.keep();
+    const kept = this.keep(); // at the same time: either may hang
     await this.save();
     await kept;
+    await this.keep();
     return !this.holdsUnsaved;
   }
 
