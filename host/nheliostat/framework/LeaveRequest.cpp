@@ -49,6 +49,7 @@ LeaveRequest::LeaveRequest(const QVector<NHelioAppPage*>& pages, Purpose purpose
 
 LeaveRequest::~LeaveRequest()
 {
+    m_done = {};
     delete m_question;
 }
 
@@ -123,7 +124,7 @@ void LeaveRequest::askUser(const QVector<const Subject*>& holdouts)
     connect(m_question, &QMessageBox::finished, this,
             [this](int answer) { onUserAnswered(answer == LeaveQuestion::leave); });
     // Its window may go, and takes it along.
-    connect(m_question, &QObject::destroyed, this, [this] { onUserAnswered(false); });
+    connect(m_question, &QObject::destroyed, this, [this] { end(false); });
     m_question->open();
 }
 

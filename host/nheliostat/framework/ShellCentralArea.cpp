@@ -290,7 +290,7 @@ bool ShellCentralArea::closeAllPages(std::function<void()> then)
 {
     const QVector<NHelioAppPage*> pages = pagesCurrentLast();
     if (std::any_of(pages.begin(), pages.end(), [this](const auto* page) { return mustBeAsked(page); })) {
-        askDocuments(pages, [then](bool all) {
+        askDocuments(m_pages, [then](bool all) {
             if (all && then)
                 then();
         });
@@ -332,9 +332,12 @@ void ShellCentralArea::askDocuments(const QVector<NHelioAppPage*>& pages, std::f
 
 void ShellCentralArea::closeWithoutAsking(const QVector<NHelioAppPage*>& pages)
 {
+    QVector<NHelioAppPage*> currentLast = pages;
+    std::stable_partition(currentLast.begin(), currentLast.end(),
+                          [this](const NHelioAppPage* page) { return page != m_current; });
     for (NHelioAppPage* page : pages)
         m_mayClose.insert(page);
-    for (NHelioAppPage* page : pages) {
+    for (NHelioAppPage* page : currentLast) {
         if (m_pages.contains(page))
             page->close();
     }
