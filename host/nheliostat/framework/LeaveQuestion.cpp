@@ -66,7 +66,7 @@ QMessageBox* LeaveQuestion::make(const QVector<Document>& documents, bool isRest
         box->setInformativeText(Texts::tr("What was typed last in \"%1\" may be lost.")
                                     .arg(shortened(documents.constFirst().title)));
     else
-        box->setInformativeText(Texts::tr("They are lost with it."));
+        box->setInformativeText(Texts::tr("They will be lost."));
     QPushButton* go = box->addButton(QMessageBox::Discard);
     go->setText(isRestart      ? Texts::tr("Load Without Saving")
                 : areAllSilent ? Texts::tr("Close All the Same")
