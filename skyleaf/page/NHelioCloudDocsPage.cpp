@@ -45,7 +45,9 @@ int readDiscardSeconds()
     constexpr int oneHour = 3600;
     nrt::NCCCommonSettings settings;
     settings.beginGroup(QStringLiteral("discardPage"));
-    return settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt();
+    bool isNumber = false;
+    const int seconds = settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt(&isNumber);
+    return isNumber && seconds >= 0 ? seconds : oneHour;
 }
 
 /** The text after the last dot, unless that dot is the first character. */
@@ -332,6 +334,7 @@ void NHelioCloudDocsPage::releasePage()
 {
     if (!m_browser)
         return;
+    noteShownUrl();
     m_browser->releaseWebView();
     m_jsObj = nullptr;
     m_loaded = false;
@@ -342,6 +345,17 @@ void NHelioCloudDocsPage::releasePage()
     m_reloadAfterDiscard = true;
     if (NHelioSubPage* subPage = initialSubPage())
         subPage->refreshIcon();
+}
+
+/** A page of the service that has led elsewhere, as that for a new document does, comes back to where it led.
+ */
+void NHelioCloudDocsPage::noteShownUrl()
+{
+    const QString shown = getCurrentUrl();
+    if (m_reloadUrl.isEmpty() || shown != m_reloadUrl ||
+        docsurl::withoutOpenTimeItems(shown) == docsurl::withoutOpenTimeItems(m_notify_URL))
+        return;
+    m_notify_URL = shown;
 }
 
 bool NHelioCloudDocsPage::isReleased() const

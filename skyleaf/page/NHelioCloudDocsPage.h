@@ -146,6 +146,7 @@ private:
     void _preInit(const QJsonObject& params);
     void preInitDocument(const QString& fileId, const QJsonObject& params);
     void initSelf();
+    void noteShownUrl();
     void prepareReload();
     void applyRecoverItem();
     void _loadUrl();
