@@ -28,7 +28,7 @@ def parse_arguments():
 def host_members(build, server):
     """The demo's deployment: documents are shown by the local packages that the build made."""
     packages = plugin_members(installed_packages(build))
-    items = switches(preloading=True, version_check=True, proxy_reset=True)
+    items = switches(preloading=True, version_check=True, proxy_reset=True, offline_editing=True)
     return merged(server.host_members(features={"SupportSendFileWindow": True}, **packages), items)
 
 

@@ -16,6 +16,7 @@ public:
     {
         QJsonValue value;
         QString error;
+        bool timedOut = false; //!< the error is that the time passed
     };
 
     virtual ~BrowserControl() = default;

@@ -14,9 +14,13 @@
 #include "shell/story/StoryDock.h"
 #include "shell/story/StoryRecorder.h"
 #include "shell/system/AddOnLibrary.h"
+#include "shell/system/HandOverServer.h"
+#include "shell/system/OrderlyQuit.h"
 
 #include "nheliostat/NHelioBrowserWidgetBase.h"
+#include "nheliostat/NHelioPage.h"
 #include "nheliostat/browser/BrowserEnvironment.h"
+#include "nheliostat/framework/LeaveRequest.h"
 #include "nheliostat/framework/ShellApplication.h"
 #include "nheliostat/framework/ShellCentralArea.h"
 #include "nheliostat/framework/ShellMainWindow.h"
@@ -105,8 +109,23 @@ int discardCheckSeconds()
     constexpr int mostSeconds = 60;
     nrt::NCCCommonSettings settings;
     settings.beginGroup(QStringLiteral("discardPage"));
-    const int seconds = settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt();
-    return std::clamp(seconds / 4, 1, mostSeconds);
+    bool isNumber = false;
+    const int seconds = settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt(&isNumber);
+    return std::clamp((isNumber && seconds >= 0 ? seconds : oneHour) / 4, 1, mostSeconds);
+}
+
+/** What keeps words that the server has not got: on for the kinds that have an editor, unless the deployment
+ * says otherwise. */
+void switchOfflineEditingOn(ConfigCentre& centre, const HostFile& host)
+{
+    constexpr int addOnGroup = 60;
+    constexpr int offlineEditing = 60708;
+    if (host.configCentre.value(QString::number(addOnGroup)).contains(QString::number(offlineEditing)))
+        return;
+    centre.set(addOnGroup, offlineEditing,
+               {{QStringLiteral("DOPOfflineEditMasterSwitch"), true},
+                {QStringLiteral("wordDOPSwitch"), true},
+                {QStringLiteral("vsDOPSwitch"), true}});
 }
 
 } // namespace
@@ -120,8 +139,6 @@ ShellProgram::ShellProgram(Setup setup)
     : m_setup(std::move(setup))
 {
     m_setup.host.user = withDirectories(m_setup.host.user, m_setup.dataDir);
-    connect(&m_quitSignals, &QuitSignals::quitRequested, QCoreApplication::instance(),
-            &QCoreApplication::quit);
 }
 
 ShellProgram::~ShellProgram() = default;
@@ -137,6 +154,7 @@ QString ShellProgram::start()
     if (!addOnError.isEmpty())
         return addOnError;
     openFirstWindow();
+    listenToLaterStarts();
     return {};
 }
 
@@ -144,6 +162,7 @@ void ShellProgram::startServices()
 {
     nrt::host::configure(runtimeSetup(m_setup.host, m_setup.dataDir));
     m_services = std::make_unique<ZeoliteHost>(servicesSetup(m_setup.host, m_setup.dataDir));
+    switchOfflineEditingOn(m_services->configCentre(), m_setup.host);
     m_pages = std::make_unique<PageDirectory>();
     if (m_setup.host.telemetry)
         m_stories = std::make_unique<StoryRecorder>(m_services->dataCollection(), *m_pages);
@@ -179,6 +198,9 @@ QString ShellProgram::startBrowser()
     m_browser->setProtocolHandler([this](NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked) {
         openProtocol(browser, url, marked);
     });
+    m_browser->setLeaveHandler([this](NHelioBrowserWidgetBase* browser, std::function<void(bool)> done) {
+        askToLeave(browser, done);
+    });
     return {};
 }
 
@@ -200,6 +222,8 @@ void ShellProgram::startWindows()
     connect(m_application.get(), &ShellApplication::pageAdded, m_pages.get(), &PageDirectory::onPageAdded);
     connect(m_application.get(), &ShellApplication::pageRemoved, m_pages.get(),
             &PageDirectory::onPageRemoved);
+    m_quit = std::make_unique<OrderlyQuit>(*m_application, !m_unattendedDialogs);
+    connect(&m_quitSignals, &QuitSignals::quitRequested, m_quit.get(), &OrderlyQuit::request);
     m_user = std::make_unique<UserSession>(m_setup.host.user, *m_application, *m_services);
     CloudWindows::Attendance attendance;
     attendance.answers = m_unattendedDialogs ? &m_dialogAnswers : nullptr;
@@ -232,7 +256,10 @@ void ShellProgram::connectControl()
 {
     connect(m_browser.get(), &nheliostat::browser::BrowserEnvironment::requestFinished,
             &m_control->notifications(), &HostNotifications::onRequestFinished);
-    connect(m_control.get(), &ControlSession::ended, QCoreApplication::instance(), &QCoreApplication::quit);
+    connect(m_control.get(), &ControlSession::ended, m_quit.get(), &OrderlyQuit::order);
+    // Later: the response goes out first.
+    connect(m_control.get(), &ControlSession::quitAsked, m_quit.get(), &OrderlyQuit::order,
+            Qt::QueuedConnection);
     m_control->add({storyExportMethod(m_stories.get())});
     m_tabMethods = std::make_unique<TabMethods>(*m_application, *m_pages);
     m_control->add(m_tabMethods->methods());
@@ -253,6 +280,39 @@ void ShellProgram::openFirstWindow()
     if (m_setup.line.text || !m_setup.line.control)
         m_opener->openDocumentsPage(*window, m_setup.line.text.value_or(QString()));
     m_recoverOffer->show(*window, m_setup.line.text ? nullptr : window->area().currentPage());
+}
+
+void ShellProgram::listenToLaterStarts()
+{
+    m_laterStarts = std::make_unique<HandOverServer>();
+    connect(m_laterStarts.get(), &HandOverServer::handedOver, this, &ShellProgram::showHandedOver);
+    const auto socket = m_setup.instance.listen();
+    if (!socket)
+        NxLoggerLite::writeWarning(QStringLiteral("shell"), socket.error().text);
+    else
+        m_laterStarts->listen(*socket);
+}
+
+void ShellProgram::showHandedOver(const HandOver& wish)
+{
+    auto* window = qobject_cast<ShellMainWindow*>(m_application->widget());
+    if (!window)
+        return;
+    if (wish.text)
+        m_opener->openDocumentsPage(*window, *wish.text);
+    window->showToFront(true, true, true);
+}
+
+void ShellProgram::askToLeave(NHelioBrowserWidgetBase* browser, const std::function<void(bool)>& done)
+{
+    NHelioAppPage* page = nullptr;
+    for (QWidget* holder = browser->parentWidget(); holder && !page; holder = holder->parentWidget())
+        page = qobject_cast<NHelioAppPage*>(holder);
+    if (!page)
+        return done(true);
+    const auto ended = [done](bool leaves, const QVector<NHelioAppPage*>&) { done(leaves); };
+    (new LeaveRequest({page}, LeaveRequest::Purpose::Restart, LeaveRequest::Manner::Ask, ended, browser))
+        ->start();
 }
 
 void ShellProgram::openProtocol(NHelioBrowserWidgetBase*, const QUrl& url, bool)

@@ -3,11 +3,13 @@
 #include "shell/config/CommandLine.h"
 #include "shell/config/HostFile.h"
 #include "shell/dialogs/DialogAnswers.h"
+#include "shell/system/OneInstance.h"
 #include "shell/system/QuitSignals.h"
 #include "shell/system/StandardStreams.h"
 
 #include <QObject>
 
+#include <functional>
 #include <memory>
 
 class NHelioBrowserWidgetBase;
@@ -24,6 +26,8 @@ namespace shell {
 class CloudServiceLink;
 class CloudWindows;
 class ControlSession;
+class HandOverServer;
+class OrderlyQuit;
 class PageDirectory;
 class PageOpener;
 class RecoverOffer;
@@ -42,6 +46,7 @@ public:
         CommandLine line;
         HostFile host;
         QString dataDir;        //!< exists
+        OneInstance instance;   //!< the owner of the data directory
         ControlStreams streams; //!< used with --control
     };
 
@@ -61,6 +66,9 @@ private:
     void startWindows();
     QString loadAddOn();
     void openFirstWindow();
+    void listenToLaterStarts();
+    void showHandedOver(const HandOver& wish);
+    void askToLeave(NHelioBrowserWidgetBase* browser, const std::function<void(bool)>& done);
     void connectControl();
     void showStories();
     void openProtocol(NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked);
@@ -83,6 +91,8 @@ private:
     std::unique_ptr<CloudWindows> m_cloudWindows;
     std::unique_ptr<ShellApplication> m_application;
     std::unique_ptr<RecoverOffer> m_recoverOffer;
+    std::unique_ptr<OrderlyQuit> m_quit;
+    std::unique_ptr<HandOverServer> m_laterStarts;
 };
 
 } // namespace shell

@@ -2,6 +2,7 @@
 #include "shell/config/CommandLine.h"
 #include "shell/config/DataDirectory.h"
 #include "shell/config/HostFile.h"
+#include "shell/system/OneInstance.h"
 #include "shell/system/StandardStreams.h"
 
 #include <QApplication>
@@ -75,12 +76,27 @@ int main(int argc, char** argv)
     const auto dataDir = shell::prepareDataDirectory(line->dataDir);
     if (!dataDir)
         return fail(exitMistake, dataDir.error().text);
+    const auto taken = shell::OneInstance::take(*dataDir);
+    if (!taken)
+        return fail(exitMistake, taken.error().text);
+    shell::OneInstance instance = *taken;
+    if (!instance.isOwner()) {
+        if (line->control)
+            return fail(exitMistake,
+                        QStringLiteral("data directory: %1 is in use by another shell (process %2)")
+                            .arg(*dataDir, instance.owner()));
+        const auto handedOver = instance.handOver({line->text});
+        if (!handedOver)
+            return fail(exitFailure, handedOver.error().text);
+        if (*handedOver)
+            return 0;
+    }
     if (!hasDisplay())
         return fail(exitFailure,
                     QStringLiteral("no display: start the shell in a graphical session or under Xvfb"));
 
     std::signal(SIGPIPE, SIG_IGN);
-    shell::ShellProgram::Setup setup{*line, *host, *dataDir, {}};
+    shell::ShellProgram::Setup setup{*line, *host, *dataDir, instance, {}};
     if (line->control) {
         setup.streams = shell::takeStandardStreams();
         if (!setup.streams.input || !setup.streams.output)

@@ -279,7 +279,11 @@ bool NDocumentLoad::isLeftFor(const QString& address)
     const QUrl present(address);
     if (!isShown() || m_url.isEmpty() || !isServiceHost(present.host()))
         return false;
-    const bool isHere = nresourcerequests::isSameDocument(QUrl(m_url), present);
+    const QUrl told(m_url);
+    const bool isHere =
+        docsurl::isDocumentUrl(told) || docsurl::isDocumentUrl(present)
+            ? nresourcerequests::isSameDocument(told, present)
+            : docsurl::withoutOpenTimeItems(m_url) == docsurl::withoutOpenTimeItems(address);
     if (isHere)
         m_hasArrived = true;
     return !isHere && m_hasArrived;
@@ -442,6 +446,12 @@ NDOPProxyInfo NDocumentLoad::proxyInfo(const QString& frontVer) const
     info.pluginName = NDOPConfig::instance().pluginName(m_officeType);
     info.traceId = m_traceId;
     return info;
+}
+
+void NDocumentLoad::setLoadFinished()
+{
+    m_isLoadFinished = true;
+    m_hasArrived = isShown();
 }
 
 void NDocumentLoad::onWebFileReady(const QMap<QString, QString>& info)

@@ -117,7 +117,8 @@ public:
     /** The version check or the run, whichever the document wants. */
     void startRequests();
     void onWebFileReady(const QMap<QString, QString>& info);
-    void setLoadFinished() { m_isLoadFinished = true; }
+    /** The browser is where it was sent, or was led on to. */
+    void setLoadFinished();
     bool isLoadFinished() const { return m_isLoadFinished; }
     const QMap<QString, QString>& webFileInfo() const { return m_webFileInfo; }
     void clearWebFileInfo() { m_webFileInfo.clear(); }
@@ -201,7 +202,7 @@ private:
     QString m_requestedFrontVer; //!< that the server asks for
 
     bool m_waitsForView = false; //!< to be shown once there is one
-    bool m_hasArrived = false;   //!< the browser was at its document
+    bool m_hasArrived = false;   //!< the browser was where it was sent
     bool m_isResetRefreshed = false;
     bool m_isLoadFinished = false;
     QMap<QString, QString> m_webFileInfo;

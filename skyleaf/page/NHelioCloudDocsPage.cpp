@@ -47,7 +47,9 @@ int readDiscardSeconds()
     constexpr int oneHour = 3600;
     nrt::NCCCommonSettings settings;
     settings.beginGroup(QStringLiteral("discardPage"));
-    return settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt();
+    bool isNumber = false;
+    const int seconds = settings.value(QStringLiteral("inactivatePageDiscardTime"), oneHour).toInt(&isNumber);
+    return isNumber && seconds >= 0 ? seconds : oneHour;
 }
 
 /** The text after the last dot, unless that dot is the first character. */

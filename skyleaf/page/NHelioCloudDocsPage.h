@@ -207,6 +207,7 @@ private:
     void setBrowserPathsAndFlags();
     void addSupportedProtocols();
     void setUserAgent(NxWebViewContainer* container);
+    bool followBrowser(const QString& url);
     QString reloadUrlFor(const QString& reason) const;
     void reload(LoadReason reason, const QString& reasonText, const QUrl& fallback);
     QString serviceStartPage() const;

@@ -219,6 +219,7 @@ void NHelioCloudDocsPage::onLoadFinished(bool ok)
         return;
     m_telemetry.record(QStringLiteral("load_finished"));
     m_load->setLoadFinished();
+    followBrowser(browserUrl());
     updatePageTitle();
     if (m_browser && ok)
         _updateCookies(false);
@@ -277,16 +278,24 @@ void NHelioCloudDocsPage::onAddressChange(const QString& url)
 {
     if (!m_browser || !m_jsObj)
         return;
-    if (m_load->isLeftFor(url)) {
-        replaceLoad(LoadReason::Navigation,
-                    [&url](NDocumentLoad& load, const NDocumentLoad& earlier) { load.adopt(url, earlier); });
+    if (followBrowser(url))
         return;
-    }
     const QString host = QUrl(url).host();
     const bool isService =
         !host.isEmpty() && (host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
                             host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
     m_load->setReloadUrl(isService ? url : QString());
+}
+
+/** Where the browser went by itself is what the page shows from then on. */
+bool NHelioCloudDocsPage::followBrowser(const QString& url)
+{
+    if (!m_load->isLeftFor(url))
+        return false;
+    replaceLoad(LoadReason::Navigation, [&url](NDocumentLoad& load, const NDocumentLoad& earlier) {
+        load.adopt(url, earlier);
+    });
+    return true;
 }
 
 void NHelioCloudDocsPage::onFaviconChange(const QList<QIcon>& icons)

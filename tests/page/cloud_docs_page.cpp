@@ -188,6 +188,49 @@ TEST_F(CloudDocsPage, ReleasedPageComesBackWithAFreshOpen)
     EXPECT_EQ(eventFields("memory_release_start", "comp"), QStringList({s("word"), s("word")}));
 }
 
+TEST_F(CloudDocsPage, ReleasedPageComesBackToWhatItsAddressLedTo)
+{
+    start();
+    NHelioCloudDocsPage* page = addPage();
+    turn();
+    page->notify(s("https://docs.test/office/new/w"));
+    page->load();
+    FakeBrowserWidget* browser = browserOf(page);
+    browser->deliverAddress(s("https://docs.test/p/9?officeType=w"));
+    page->releasePage();
+    page->load();
+    EXPECT_EQ(browser->loads.last().path(), s("/p/9"));
+    EXPECT_EQ(query(browser->loads.last().toString(), "from"), s("discard-page-reload"));
+
+    // What another site shows is not the page's document.
+    browser->deliverAddress(s("https://elsewhere.test/x"));
+    page->releasePage();
+    page->load();
+    EXPECT_EQ(browser->loads.last().path(), s("/p/9"));
+}
+
+TEST_F(CloudDocsPage, AWrongDiscardTimeIsTheDefaultOne)
+{
+    for (const QVariant& wrong :
+         {QVariant(s("soon")), QVariant(-1), QVariant(s("9e99")), QVariant(QVariantMap())}) {
+        runtime.settings.insert(s("discardPage/inactivatePageDiscardTime"), wrong);
+        start();
+        NHelioCloudDocsPage* page = addOpenPage();
+        browserOf(page)->deliverScriptReport(s("webFileReady"),
+                                             {{s("fileId"), s("7")}, {s("fileName"), s("a.docx")}});
+        window->centralArea()->setCurrentPage(addPage());
+        EXPECT_FALSE(page->isDiscardable()) << qPrintable(wrong.toString());
+        now = now.addSecs(3599);
+        EXPECT_FALSE(page->isDiscardable()) << qPrintable(wrong.toString());
+        now = now.addSecs(1);
+        EXPECT_TRUE(page->isDiscardable()) << qPrintable(wrong.toString());
+        browserOf(page)->discardable = false;
+        EXPECT_FALSE(page->isDiscardable()) << "something would be lost";
+        ShellFixture::TearDown();
+        ShellFixture::SetUp();
+    }
+}
+
 TEST_F(CloudDocsPage, ReleasedPageThatWasNeverToldAUrlShowsTheStartPageAgain)
 {
     start();

@@ -188,6 +188,24 @@ bool FakeBrowserWidget::deliverBeforeBrowser(const QString& url)
     return handled;
 }
 
+void FakeBrowserWidget::closeDocument(bool regardless, Done done)
+{
+    closedRegardless.append(regardless);
+    closing.push_back(std::move(done));
+}
+
+void FakeBrowserWidget::deliverAnswer(Answer answer)
+{
+    for (const Done& done : std::exchange(questions, {}))
+        done(answer);
+}
+
+void FakeBrowserWidget::deliverClosed(Answer answer)
+{
+    for (const Done& done : std::exchange(closing, {}))
+        done(answer);
+}
+
 void FakeBrowserWidget::deliverCrash()
 {
     Q_EMIT cefProcessAbort();

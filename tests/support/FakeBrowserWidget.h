@@ -1,5 +1,6 @@
 #pragma once
 
+#include "nheliostat/DocumentGuard.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "support/FakeWebViewContainer.h"
 
@@ -19,7 +20,7 @@ class QJsonObject;
  * does it load. The view's own signals come inside `initWebView` or, with `announcesLater`, in later turns
  * too.
  */
-class FakeBrowserWidget final : public NHelioBrowserWidgetBase
+class FakeBrowserWidget final : public NHelioBrowserWidgetBase, public nheliostat::host::DocumentGuard
 {
     Q_OBJECT
 public:
@@ -63,6 +64,12 @@ public:
     void addLocalFaviconCache(const QVector<NHelioLocalPathPair>& pairs) override { faviconPaths += pairs; }
     void removeLocalFaviconCache(const QVector<NHelioLocalPathPair>& pairs) override;
 
+    bool hasDocument() const override { return guardsDocument; }
+    bool holdsUnsaved() const override { return !discardable; }
+    void askDocument(Done done) override { questions.push_back(std::move(done)); }
+    void closeDocument(bool regardless, Done done) override;
+    void allowLeaving() override { ++leavesAllowed; }
+
     Q_INVOKABLE void onShowWebLoadingWidget(const QString& fileName) { loadingWidgetFiles.append(fileName); }
     Q_INVOKABLE void injectLoadingWidgetFlag() { ++loadingWidgetFlags; }
 
@@ -81,6 +88,10 @@ public:
     bool deliverLoadError(const QString& url, const QString& message, int code);
     /** Whether a receiver stopped the navigation. */
     bool deliverBeforeBrowser(const QString& url);
+    /** The document answers all that asked it. */
+    void deliverAnswer(Answer answer);
+    /** The document is closed, or objects once more. */
+    void deliverClosed(Answer answer);
     void deliverCrash();
     void deliverWindowDestroying();
     void deliverCloseRequest(const QString& url);
@@ -112,6 +123,11 @@ public:
     QVector<QPair<QString, QString>> startupPages; //!< URL and title
     bool discardable = true;
     bool active = false;
+    bool guardsDocument = false; //!< whether it has a document to be asked
+    std::vector<Done> questions;
+    std::vector<Done> closing;
+    QVector<bool> closedRegardless;
+    int leavesAllowed = 0;
     std::vector<CookieRequest> cookies;
     QVector<NHelioResourceCacheEntry> resourceCache;
     QVector<NHelioLocalPathPair> resourcePaths;

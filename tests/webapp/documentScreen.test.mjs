@@ -147,8 +147,31 @@ test('a local copy is edited at once, and what the server answers decides how it
     assert.equal(copy.state().contentFrom, mounts === 2 ? 'network' : 'injected', name);
     assert.equal(/changed elsewhere/.test(textOf('notices')), conflict, name);
     assert.equal(copy.screen.leavingLosesChanges(), conflict, name);
-    assert.equal(copy.told.length, 1, name);
+    assert.equal(copy.told.filter(([report]) => report === 'webFileReady').length, 1, name);
+    const reports = copy.told.filter(([report]) => report === 'unsavedChanges').map(([, { unsaved }]) => unsaved);
+    assert.equal(reports.pop() || false, conflict, `${name}: whether its end would lose something`);
+    assert.equal(await copy.screen.prepareToLeave(), !conflict, name);
   }
+});
+
+test('whoever leaves waits for what is being saved, and is told what cannot be', async () => {
+  const { screen, server, editors, editor, told } = start('/p/7?officeType=w', {});
+  server.answer(/preopen/, { body: preopenReply('7', 'Plan') });
+  server.answer(/content/, { body: { result: 'ok', file_version: 5 } });
+  editors.register('w', editor.mount);
+  await screen.open();
+  await settled();
+  editor.edit(doc('typed last'));
+  assert.deepEqual(told.pop(), ['unsavedChanges', { unsaved: true }]);
+  assert.equal(screen.holdsUnsaved, true);
+  assert.equal(await screen.prepareToLeave(), true);
+  assert.deepEqual(server.requests.pop().body.content, doc('typed last'));
+  assert.deepEqual(told.pop(), ['unsavedChanges', { unsaved: false }]);
+
+  server.answer(/content/, { status: 400, body: {} });
+  editor.edit(doc('lost'));
+  assert.equal(await screen.prepareToLeave(), false);
+  assert.equal(screen.holdsUnsaved, true);
 });
 
 test('a local copy stays, and says so, while the server is away', async () => {

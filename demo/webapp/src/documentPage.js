@@ -27,6 +27,10 @@ window.skyleafDocs = {
     editors.register(typeCode, mount);
   },
   notify: (notice) => frame.showNotice(notice),
+  /** Asked by the desktop side before the page ends: saves what can be saved; resolves to whether nothing is lost then. */
+  prepareToLeave: () => screen.prepareToLeave(),
+  /** Asked while that takes long. */
+  losesOnLeaving: () => screen.holdsUnsaved,
 };
 
 const screen = new DocumentScreen({
@@ -68,6 +72,7 @@ new TakeOver(window, () => {
 });
 window.addEventListener('keydown', saveByKey, { capture: true });
 window.addEventListener('beforeunload', warnBeforeLoss);
+window.addEventListener('pagehide', () => screen.leavingLosesChanges());
 window.addEventListener('online', () => screen.reconnect());
 window.addEventListener('focus', () => screen.reconnect());
 window.addEventListener('skyleaf-account', ({ detail }) => detail.signedIn && screen.reconnect());

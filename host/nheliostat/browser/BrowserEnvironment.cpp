@@ -124,6 +124,11 @@ void BrowserEnvironment::setProtocolHandler(ProtocolHandler handler)
     m_protocolHandler = std::move(handler);
 }
 
+void BrowserEnvironment::setLeaveHandler(LeaveHandler handler)
+{
+    m_leaveHandler = std::move(handler);
+}
+
 bool BrowserEnvironment::isScriptOrigin(const QString& origin) const
 {
     return m_setup.scriptOrigins.contains(origin);
@@ -194,6 +199,14 @@ void BrowserEnvironment::openProtocol(NHelioBrowserWidgetBase* browser, const QU
     NxLoggerLite::writeInfo(QStringLiteral("Browser"), QStringLiteral("protocol ") + url.scheme());
     if (m_protocolHandler)
         m_protocolHandler(browser, url, marked);
+}
+
+void BrowserEnvironment::askToLeave(NHelioBrowserWidgetBase* browser, std::function<void(bool)> done)
+{
+    if (m_leaveHandler)
+        m_leaveHandler(browser, std::move(done));
+    else
+        done(true);
 }
 
 void BrowserEnvironment::deliverRecord(const GatewayRequestRecord& record)

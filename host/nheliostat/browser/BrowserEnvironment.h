@@ -41,14 +41,19 @@ public:
         QStringList interceptedHosts;
         QMap<QString, QString> resolve; //!< as GatewayOptions::resolve
         GatewayLimits gatewayLimits;
-        bool headless = false;          //!< nobody sits before the screen: no dialogs
-        QString startupPagesFile;       //!< empty: in the user's configuration directory
+        bool headless = false;    //!< nobody sits before the screen: no dialogs
+        QString startupPagesFile; //!< empty: in the user's configuration directory
     };
     /** `factory` may be null; the page it makes belongs to whoever asks it. */
     using NewPageHandler = std::function<void(NHelioBrowserWidgetBase* opener,
                                               IHelioBrowserPageFactory* factory, const QUrl& url)>;
     using ProtocolHandler =
         std::function<void(NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked)>;
+
+    /** Settles whether a document that reported unsaved words may be left. `done` is called once, maybe
+     * later. */
+    using LeaveHandler =
+        std::function<void(NHelioBrowserWidgetBase* browser, std::function<void(bool leaves)> done)>;
 
     /** Before the QApplication is made: what Chromium needs to know by then. */
     static void prepareProcess(bool headless = false);
@@ -63,6 +68,9 @@ public:
     void setNewPageHandler(NewPageHandler handler);
     /** Takes the URLs of supported protocols. Without a handler they are only logged. */
     void setProtocolHandler(ProtocolHandler handler);
+
+    /** Asks the user where words would be lost. Without a handler they are. */
+    void setLeaveHandler(LeaveHandler handler);
 
     const Setup& setup() const { return m_setup; }
     RequestGateway& gateway() { return *m_gateway; }
@@ -84,6 +92,7 @@ public:
     void answerProxyQuestion(const QUrl& url, QAuthenticator* authenticator, const QString& proxyHost);
     void openNewPage(NHelioBrowserWidgetBase* opener, IHelioBrowserPageFactory* factory, const QUrl& url);
     void openProtocol(NHelioBrowserWidgetBase* browser, const QUrl& url, bool marked);
+    void askToLeave(NHelioBrowserWidgetBase* browser, std::function<void(bool leaves)> done);
 
 Q_SIGNALS:
     /** What became of a browser request, in order; `browser` is null for a request without a view that still
@@ -96,6 +105,7 @@ private:
     Setup m_setup;
     NewPageHandler m_newPageHandler;
     ProtocolHandler m_protocolHandler;
+    LeaveHandler m_leaveHandler;
     std::unique_ptr<RequestGateway> m_gateway;
     std::unique_ptr<ProfileStore> m_profiles;
     QWebEngineProfile* m_lastKeptProfile = nullptr;

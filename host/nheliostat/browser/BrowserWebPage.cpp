@@ -3,11 +3,36 @@
 #include "nheliostat/browser/NewWindowPage.h"
 #include "zeolite/NxLoggerLite.h"
 
+#include <QCoreApplication>
+
 namespace nheliostat::browser {
 
 namespace {
 
 const QString consoleTag = QStringLiteral("console");
+
+/** Counts a question while it is on the screen. */
+class Counted
+{
+public:
+    explicit Counted(std::shared_ptr<int> count)
+        : m_count(std::move(count))
+    {
+        ++*m_count;
+    }
+    ~Counted() { --*m_count; }
+    Q_DISABLE_COPY(Counted)
+
+private:
+    std::shared_ptr<int> m_count; // outlives a page that goes meanwhile
+};
+
+/** The browser asks about leaving as it asks a script's own questions; only its text tells. */
+bool isAboutLeaving(const QString& text)
+{
+    return text == QCoreApplication::translate("QWebEnginePage", "Are you sure you want to leave this page? "
+                                                                 "Changes that you made may not be saved.");
+}
 
 } // namespace
 
@@ -39,12 +64,14 @@ QWebEnginePage* BrowserWebPage::createWindow(WebWindowType)
 QStringList BrowserWebPage::chooseFiles(FileSelectionMode mode, const QStringList& oldFiles,
                                         const QStringList& acceptedMimeTypes)
 {
+    const Counted open(m_dialogs);
     return m_owner.withoutDialogs ? QStringList()
                                   : QWebEnginePage::chooseFiles(mode, oldFiles, acceptedMimeTypes);
 }
 
 void BrowserWebPage::javaScriptAlert(const QUrl& securityOrigin, const QString& text)
 {
+    const Counted open(m_dialogs);
     if (m_owner.withoutDialogs || m_abandoned)
         NxLoggerLite::writeInfo(consoleTag, QStringLiteral("alert: ") + text);
     else
@@ -55,12 +82,19 @@ bool BrowserWebPage::javaScriptConfirm(const QUrl& securityOrigin, const QString
 {
     if (m_abandoned) // the question is whether it may be left
         return true;
+    if (m_leaving != Leaving::Asked && isAboutLeaving(text)) {
+        if (m_leaving == Leaving::Refused)
+            Q_EMIT leavingRefused();
+        return m_leaving == Leaving::Allowed;
+    }
+    const Counted open(m_dialogs);
     return !m_owner.withoutDialogs && QWebEnginePage::javaScriptConfirm(securityOrigin, text);
 }
 
 bool BrowserWebPage::javaScriptPrompt(const QUrl& securityOrigin, const QString& text,
                                       const QString& defaultValue, QString* result)
 {
+    const Counted open(m_dialogs);
     return !m_owner.withoutDialogs && !m_abandoned &&
            QWebEnginePage::javaScriptPrompt(securityOrigin, text, defaultValue, result);
 }

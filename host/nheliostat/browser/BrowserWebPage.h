@@ -3,8 +3,7 @@
 #include <QWebEnginePage>
 
 #include <functional>
-
-class QAuthenticator;
+#include <memory>
 
 namespace nheliostat::browser {
 
@@ -28,6 +27,20 @@ public:
     /** Nobody looks at the page any more: it may ask nothing, and cannot hold up its own going. */
     void setAbandoned(bool abandoned) { m_abandoned = abandoned; }
 
+    /** What becomes of the document's objection to being left. */
+    enum class Leaving {
+        Asked,   //!< the user is asked
+        Refused, //!< the document stays, which `leavingRefused` tells
+        Allowed  //!< it is left all the same
+    };
+    void setLeaving(Leaving leaving) { m_leaving = leaving; }
+    /** Whether a question of the page, or one for files, is on the screen. */
+    bool hasDialog() const { return *m_dialogs > 0; }
+
+Q_SIGNALS:
+    /** The document objected and stays. Raised inside the browser's question: receivers return at once. */
+    void leavingRefused();
+
 protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
     bool certificateError(const QWebEngineCertificateError& error) override;
@@ -46,6 +59,8 @@ private:
 
     Owner m_owner;
     bool m_abandoned = false;
+    Leaving m_leaving = Leaving::Asked;
+    std::shared_ptr<int> m_dialogs = std::make_shared<int>(0);
 };
 
 } // namespace nheliostat::browser

@@ -44,7 +44,7 @@ void ScriptEvaluator::evaluate(const QString& code, int timeoutMs, Done done)
     const int id = ++m_lastId;
     m_open.insert(id, std::move(done));
     QTimer::singleShot(qMax(0, timeoutMs), this, [this, id] {
-        end(id, {QJsonValue(), QStringLiteral("the time is over")});
+        end(id, {QJsonValue(), QStringLiteral("the time is over"), true});
     });
     start(id, code);
 }

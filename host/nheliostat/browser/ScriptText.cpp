@@ -58,6 +58,18 @@ QString evaluationPollText(int id)
     return QString(text).replace(QLatin1String("@ID@"), QString::number(id));
 }
 
+QString documentQuestionText()
+{
+    static const QString text = ownResource("ask_document.js");
+    return text;
+}
+
+QString documentStateText()
+{
+    static const QString text = ownResource("document_state.js");
+    return text;
+}
+
 QString loadProbeText()
 {
     static const QString text = ownResource("load_probe.js");

@@ -18,6 +18,10 @@ QString scriptObjectText(const QString& viewSecret, const QStringList& origins);
 QString evaluationText(int id, const QString& code);
 /** The script that fetches the outcome of an evaluation: "running", "gone" or the outcome's JSON. */
 QString evaluationPollText(int id);
+/** The body of the evaluation that asks a document whether it may end. */
+QString documentQuestionText();
+/** The body of the one that asks a document that is still saving. */
+QString documentStateText();
 /** The script that tells what the main frame shows. */
 QString loadProbeText();
 

@@ -143,6 +143,8 @@ void WebEngineBrowserWidget::releaseWebView()
     m_container->destroyLater();
     m_container.clear();
     m_isCreated = false;
+    m_holdsUnsaved = false;
+    m_mayLeave = false;
     m_loadingUrl.clear();
     m_cover->hide();
     m_errorPanel->hide();
@@ -161,6 +163,11 @@ void WebEngineBrowserWidget::load(const QUrl& url)
         NxLoggerLite::writeWarning(logTag, QStringLiteral("not a URL to load: ") + url.toString().left(500));
         return;
     }
+    leaveFor([this, url] { loadNow(url); });
+}
+
+void WebEngineBrowserWidget::loadNow(const QUrl& url)
+{
     m_loadingUrl = url;
     m_errorPanel->hide();
     if (m_takeOver)
@@ -179,7 +186,10 @@ void WebEngineBrowserWidget::reload()
     if (m_errorPanel->isVisibleTo(m_stage))
         load(m_errorPanel->url());
     else if (page())
-        page()->triggerAction(QWebEnginePage::Reload);
+        leaveFor([this] {
+            if (page())
+                page()->triggerAction(QWebEnginePage::Reload);
+        });
 }
 
 QString WebEngineBrowserWidget::currentUrl() const
@@ -235,16 +245,6 @@ void WebEngineBrowserWidget::activate()
 {
     if (m_container)
         m_container->setFocus(Qt::OtherFocusReason);
-}
-
-bool WebEngineBrowserWidget::isDiscardable() const
-{
-    return !hasActivity();
-}
-
-bool WebEngineBrowserWidget::hasActivity() const
-{
-    return page() && page()->recentlyAudible();
 }
 
 void WebEngineBrowserWidget::setCookie(const QUrl& url, const QNetworkCookie& cookie,
@@ -335,7 +335,7 @@ void WebEngineBrowserWidget::wireView()
     // Queued: whoever hears of a crash may load or release the view.
     connect(view, &WebViewContainer::crashed, this, &WebEngineBrowserWidget::takeCrash, Qt::QueuedConnection);
     connect(page(), &QWebEnginePage::titleChanged, this, &WebEngineBrowserWidget::takeTitle);
-    connect(page(), &QWebEnginePage::windowCloseRequested, this, &NHelioBrowserWidgetBase::windowDestroying);
+    connect(view, &WebViewContainer::closedByItself, this, &NHelioBrowserWidgetBase::windowDestroying);
 }
 
 void WebEngineBrowserWidget::askForScriptObject()
@@ -347,8 +347,11 @@ void WebEngineBrowserWidget::askForScriptObject()
         return;
     }
     m_container->setScriptObject(object);
-    if (auto* const api = qobject_cast<NHelioCommonJSAPI*>(object))
-        connect(api, &NHelioCommonJSAPI::sig_webFileReady, this, &WebEngineBrowserWidget::takeWebFileReady);
+    auto* const api = qobject_cast<NHelioCommonJSAPI*>(object);
+    if (!api)
+        return;
+    connect(api, &NHelioCommonJSAPI::sig_webFileReady, this, &WebEngineBrowserWidget::takeWebFileReady);
+    connect(api, &NHelioCommonJSAPI::sig_unsavedChanges, this, &WebEngineBrowserWidget::takeUnsavedChanges);
 }
 
 void WebEngineBrowserWidget::loadStartupUrl()
@@ -361,6 +364,7 @@ void WebEngineBrowserWidget::loadStartupUrl()
 
 void WebEngineBrowserWidget::beginLoad()
 {
+    m_reportedSinceStart = false;
     m_errorPanel->hide();
     if (m_takeOver)
         m_takeOver->end();
@@ -371,6 +375,10 @@ void WebEngineBrowserWidget::beginLoad()
 
 void WebEngineBrowserWidget::endLoad(bool ok)
 {
+    // A document that says nothing has nothing; what the one before said is over.
+    if (!m_reportedSinceStart)
+        m_holdsUnsaved = false;
+    m_mayLeave = false;
     m_loadingUrl.clear();
     m_cover->hide();
     m_toolbar->setHistory(page()->history()->canGoBack(), page()->history()->canGoForward());
@@ -379,6 +387,7 @@ void WebEngineBrowserWidget::endLoad(bool ok)
 
 void WebEngineBrowserWidget::abandonLoad()
 {
+    m_mayLeave = false;
     m_loadingUrl.clear();
     m_cover->hide();
     m_toolbar->setAddress(currentUrl());
@@ -400,6 +409,7 @@ void WebEngineBrowserWidget::showFailure(const QUrl& url, const NetError& error)
 void WebEngineBrowserWidget::takeCrash()
 {
     const QString lastUrl = currentUrl();
+    m_holdsUnsaved = false;
     m_loadingUrl.clear();
     m_cover->hide();
     if (m_takeOver)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nheliostat/BrowserControl.h"
+#include "nheliostat/DocumentGuard.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "nheliostat/browser/NetErrors.h"
 
@@ -24,7 +25,9 @@ class TakeOverWatch;
 class WebViewContainer;
 
 /** The browser widget on Qt WebEngine. User-interface thread. */
-class WebEngineBrowserWidget final : public NHelioBrowserWidgetBase, public BrowserControl
+class WebEngineBrowserWidget final : public NHelioBrowserWidgetBase,
+                                     public BrowserControl,
+                                     public host::DocumentGuard
 {
     Q_OBJECT
 public:
@@ -75,6 +78,12 @@ public:
     bool crashRenderer() override;
     QByteArray viewId() const override;
 
+    bool hasDocument() const override;
+    bool holdsUnsaved() const override { return m_holdsUnsaved; }
+    void askDocument(Done done) override;
+    void closeDocument(bool regardless, Done done) override;
+    void allowLeaving() override;
+
     /** Covers the view until the document is reported ready or a load ends. */
     Q_INVOKABLE void onShowWebLoadingWidget(const QString& fileName);
     /** The next load is covered until it ends, unless "skipLoadingWidgetInjection" is set. */
@@ -98,6 +107,9 @@ private:
     void takeCrash();
     void takeTitle(const QString& title);
     void takeWebFileReady(const QMap<QString, QString>& info);
+    void takeUnsavedChanges(bool unsaved);
+    void leaveFor(std::function<void()> next);
+    void loadNow(const QUrl& url);
     void takeDroppedFiles(QDropEvent* event);
     void openNewWindow(const QUrl& url);
     void openProtocol(const QUrl& url);
@@ -112,9 +124,14 @@ private:
     QSet<QString> m_markedProtocols;
     QString m_startupUrl;
     bool m_startupUrlEnabled = true;
-    bool m_isCreated = false; //!< the view takes loads
-    QUrl m_loadingUrl;        //!< given to `load`, not shown yet; kept for a web view still to come
+    bool m_isCreated = false;  //!< the view takes loads
+    bool m_isPrepared = false; //!< the view was made in advance, and goes back
+    QUrl m_loadingUrl;         //!< given to `load`, not shown yet; kept for a web view still to come
     bool m_coverNextLoad = false;
+    bool m_holdsUnsaved = false;
+    bool m_mayLeave = false;           //!< the next load takes the document's place unasked
+    bool m_reportedSinceStart = false; //!< about unsaved changes, since a load began
+    std::function<void()> m_next;      //!< what waits for the document's leave
 
     BrowserToolbar* m_toolbar;
     QWidget* m_stage;

@@ -49,6 +49,7 @@ WebViewContainer* WebEngineBrowserWidget::takeOrMakeView()
     QWebEngineProfile* const profile =
         m_environment->profile(property("cachePath").toString(), property("cookiePath").toString());
     const QPointer<WebViewContainer> prepared = std::exchange(m_prepared, nullptr);
+    m_isPrepared = false;
     if (!prepared || !prepared->page() || prepared->page()->profile() != profile) {
         if (prepared)
             prepared->destroyLater();
@@ -57,6 +58,7 @@ WebViewContainer* WebEngineBrowserWidget::takeOrMakeView()
     prepared->resources()->add(*m_resources);
     m_resources = prepared->resources();
     prepared->putToUse();
+    m_isPrepared = true;
     watchTakeOver();
     return prepared;
 }
@@ -79,6 +81,7 @@ void WebEngineBrowserWidget::letGoOfView()
     m_layers->removeWidget(m_container);
     setFocusProxy(nullptr);
     m_container.clear();
+    m_holdsUnsaved = false;
     m_resources = std::make_shared<ResourceRegistrations>();
     delete std::exchange(m_takeOver, nullptr);
 }

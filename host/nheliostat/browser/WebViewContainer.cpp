@@ -2,7 +2,9 @@
 
 #include "nheliostat/browser/BrowserEnvironment.h"
 #include "nheliostat/browser/BrowserOrigin.h"
+#include "nheliostat/browser/BrowserWebPage.h"
 #include "nheliostat/browser/BrowserWebView.h"
+#include "nheliostat/browser/DocumentCloser.h"
 #include "nheliostat/browser/LoadWatcher.h"
 #include "nheliostat/browser/ResourceRegistrations.h"
 #include "nheliostat/browser/ScriptEvaluator.h"
@@ -77,6 +79,7 @@ WebViewContainer::WebViewContainer(BrowserEnvironment& environment, QWebEnginePr
     insertScriptObject();
     m_loads = std::make_unique<LoadWatcher>(*m_page);
     m_evaluator = std::make_unique<ScriptEvaluator>(*m_page);
+    m_closer = std::make_unique<DocumentCloser>(*m_page, *m_evaluator);
     m_resources->attach(environment.gateway(), m_viewId);
 
     m_view->setObjectName(QStringLiteral("webView"));
@@ -104,7 +107,9 @@ void WebViewContainer::wirePage()
             &BrowserEnvironment::answerProxyQuestion);
     connect(m_loads.get(), &LoadWatcher::failed, this, &WebViewContainer::failLoad);
     connect(m_loads.get(), &LoadWatcher::ended, this, &WebViewContainer::endLoad);
+    connect(m_loads.get(), &LoadWatcher::abandoned, this, &WebViewContainer::endLeave);
     connect(m_loads.get(), &LoadWatcher::abandoned, this, &WebViewContainer::loadAbandoned);
+    connect(m_closer.get(), &DocumentCloser::closedByItself, this, &WebViewContainer::closedByItself);
     connect(m_port.get(), &ScriptPort::messageCame, this, &WebViewContainer::messageCame);
     connect(m_view.get(), &BrowserWebView::filesEntered, this, &WebViewContainer::dragEnter);
     connect(m_view.get(), &BrowserWebView::filesDropped, this, &WebViewContainer::filesDropped);
@@ -121,6 +126,7 @@ void WebViewContainer::endView()
         return;
     m_environment.removeView(this);
     m_resources->detach(m_viewId);
+    m_closer.reset();
     m_evaluator.reset();
     m_loads.reset();
     m_page->disconnect(this);
@@ -141,6 +147,8 @@ void WebViewContainer::wipe()
     setSupportedProtocols({});
     enableDragDrop(false);
     setCustomHeaderHandler({});
+    if (m_closer)
+        m_closer->endAll();
     if (m_evaluator)
         m_evaluator->abandonOpen(QStringLiteral("the view was given back"));
     if (!m_page)
@@ -189,6 +197,44 @@ bool WebViewContainer::crashRenderer()
 {
     const qint64 process = m_page ? m_page->renderProcessPid() : 0;
     return process > 0 && kill(static_cast<pid_t>(process), SIGKILL) == 0;
+}
+
+bool WebViewContainer::hasDocument() const
+{
+    return m_page && !m_page->url().isEmpty() && m_page->renderProcessPid() > 0;
+}
+
+void WebViewContainer::askDocument(host::DocumentGuard::Done done)
+{
+    if (hasDocument())
+        m_closer->ask(std::move(done));
+    else
+        done(host::DocumentGuard::Answer::Agrees);
+}
+
+void WebViewContainer::closeDocument(bool regardless, host::DocumentGuard::Done done)
+{
+    if (hasDocument())
+        m_closer->close(regardless, std::move(done));
+    else
+        done(host::DocumentGuard::Answer::Agrees);
+}
+
+void WebViewContainer::allowLeaving()
+{
+    if (m_page)
+        m_page->setLeaving(BrowserWebPage::Leaving::Allowed);
+}
+
+void WebViewContainer::endLeave()
+{
+    if (m_page && !m_closer->isClosing())
+        m_page->setLeaving(BrowserWebPage::Leaving::Asked);
+}
+
+bool WebViewContainer::isBusyWithUser() const
+{
+    return m_page && (m_page->recentlyAudible() || m_page->hasDialog() || m_closer->isAsking());
 }
 
 void WebViewContainer::noteRequest(const GatewayRequestRecord& record)
@@ -326,6 +372,7 @@ void WebViewContainer::failLoad(const QUrl& url, const NetError& error)
 
 void WebViewContainer::endLoad(bool ok)
 {
+    endLeave();
     if (m_evaluator)
         m_evaluator->checkOpen();
     Q_EMIT loadEnded(ok);
@@ -338,6 +385,7 @@ void WebViewContainer::takeCrash(QWebEnginePage::RenderProcessTerminationStatus 
     m_port->forgetDocument();
     m_loads->forgetLoad();
     m_evaluator->abandonOpen(QStringLiteral("the renderer process ended"));
+    m_closer->endAll();
     Q_EMIT crashed();
 }
 

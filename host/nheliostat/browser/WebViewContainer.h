@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nheliostat/BrowserControl.h"
+#include "nheliostat/DocumentGuard.h"
 #include "nheliostat/browser/BrowserWebPage.h"
 #include "nheliostat/browser/NetErrors.h"
 #include "zeolite/NxWebViewContainer.h"
@@ -16,7 +17,9 @@ struct GatewayRequestRecord;
 namespace nheliostat::browser {
 
 class BrowserEnvironment;
+class BrowserWebPage;
 class BrowserWebView;
+class DocumentCloser;
 class LoadWatcher;
 class ResourceRegistrations;
 class ScriptEvaluator;
@@ -55,6 +58,15 @@ public:
     void evaluate(const QString& code, int timeoutMs,
                   std::function<void(const BrowserControl::Evaluation&)> done);
     bool crashRenderer();
+    /** Whether a document is shown that can be asked. */
+    bool hasDocument() const;
+    /** As DocumentGuard says. */
+    void askDocument(host::DocumentGuard::Done done);
+    void closeDocument(bool regardless, host::DocumentGuard::Done done);
+    /** What is loaded next takes the document's place without a question. */
+    void allowLeaving();
+    /** Whether sound, a dialog or a question about leaving is there for somebody to attend to. */
+    bool isBusyWithUser() const;
     /** What the gateway made of a request of this view. */
     void noteRequest(const GatewayRequestRecord& record);
 
@@ -78,6 +90,8 @@ Q_SIGNALS:
     void loadEnded(bool ok);
     void loadAbandoned();
     void crashed();
+    /** The document closed itself. */
+    void closedByItself();
     /** A script of the owner runs in the main frame. */
     void scriptRun();
     /** The page's document sent a message. */
@@ -93,6 +107,7 @@ private:
     void reportLocalFavicon(const QUrl& url);
     void failLoad(const QUrl& url, const NetError& error);
     void endLoad(bool ok);
+    void endLeave();
     void takeCrash(QWebEnginePage::RenderProcessTerminationStatus status);
 
     BrowserEnvironment& m_environment;
@@ -107,6 +122,7 @@ private:
     BrowserWebPage* m_page;
     std::unique_ptr<LoadWatcher> m_loads;
     std::unique_ptr<ScriptEvaluator> m_evaluator;
+    std::unique_ptr<DocumentCloser> m_closer;
 };
 
 } // namespace nheliostat::browser

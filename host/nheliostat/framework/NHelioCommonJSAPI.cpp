@@ -83,6 +83,8 @@ bool NHelioCommonJSAPI::reportFromScript(const QString& name, const QJsonObject&
         Q_EMIT sig_shareDlgReady(textMembers(data));
     else if (name == QLatin1String("menuItemDataReady"))
         Q_EMIT sig_menuItemDataReady(data);
+    else if (name == QLatin1String("unsavedChanges"))
+        Q_EMIT sig_unsavedChanges(data.value(QLatin1String("unsaved")).toBool());
     else
         return false;
     return true;

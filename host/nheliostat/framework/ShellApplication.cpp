@@ -143,6 +143,32 @@ void ShellApplication::releaseInactivePages()
     }
 }
 
+void ShellApplication::leaveAllPages(LeaveRequest::Manner manner, std::function<void(bool)> done)
+{
+    if (m_leaving && m_leaving->manner() == LeaveRequest::Manner::Tell)
+        return;
+    if (m_leaving)
+        m_leaving->cancel();
+    QVector<NHelioAppPage*> pages = m_pageMoves->pagesAside();
+    for (const QPointer<ShellMainWindow>& window : std::as_const(m_windows)) {
+        if (!window)
+            continue;
+        window->area().cancelLeaving();
+        pages += window->area().pages();
+    }
+    const auto end = [this, done](bool all, const QVector<NHelioAppPage*>& ended) {
+        m_leaving.clear();
+        // A document that has ended is of no use to anybody who stays.
+        for (const QPointer<ShellMainWindow>& window : QVector<QPointer<ShellMainWindow>>(m_windows)) {
+            if (!all && window)
+                window->area().closeWithoutAsking(ended);
+        }
+        done(all);
+    };
+    m_leaving = new LeaveRequest(pages, LeaveRequest::Purpose::Close, manner, end, this);
+    m_leaving->start();
+}
+
 void ShellApplication::serveScriptObject(NHelioCommonJSAPI& scriptObject)
 {
     connect(&scriptObject, &NHelioCommonJSAPI::loginRequested, this, &ShellApplication::loginRequested);

@@ -4,6 +4,7 @@
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/documents/LocalDocumentPageItem.h"
 #include "nheliostat/framework/HeapTrim.h"
+#include "nheliostat/framework/LeaveRequest.h"
 #include "nheliostat/framework/PluginTranslators.h"
 #include "nheliostat/framework/ShellBrowserPageItem.h"
 #include "nheliostat/framework/ShellCloudFilesMgr.h"
@@ -73,6 +74,11 @@ public:
     ShellRecovery& recovery() { return *m_recovery; }
     /** Releases the inactive pages of all windows that can be; also runs every discardCheckSeconds. */
     void releaseInactivePages();
+    /**
+     * Has the documents of all pages agree to end, and ends them; `done` says whether all did. A request that
+     * is under way gives way, except that one that only tells goes on as it is, and `done` is dropped.
+     */
+    void leaveAllPages(LeaveRequest::Manner manner, std::function<void(bool all)> done);
     /** Lets a script object of a page reach the shell; script objects call it themselves. */
     void serveScriptObject(NHelioCommonJSAPI& scriptObject);
 
@@ -122,5 +128,6 @@ private:
     QVector<QPointer<ShellMainWindow>> m_windows;
     QTimer m_discardTimer;
     HeapTrim m_heapTrim;
+    QPointer<LeaveRequest> m_leaving; //!< of all pages
     bool m_quitAnnounced = false;
 };

@@ -181,10 +181,13 @@ void ShellCentralArea::forget(NHelioAppPage* page)
     const int index = m_pages.indexOf(page);
     m_pages.removeAt(index);
     m_releasedSinceShown.remove(page);
+    m_mayClose.remove(page);
+    m_leaving.remove(page);
     const bool wasCurrent = page == m_current;
     if (wasCurrent)
         m_current = nullptr;
     Q_EMIT pageRemoved(page);
+    decide(page, true);
     if (!wasCurrent || m_current)
         return;
     if (!m_pages.isEmpty())
@@ -261,18 +264,117 @@ QVector<NHelioAppPage*> ShellCentralArea::pagesCurrentLast() const
     return pages;
 }
 
-bool ShellCentralArea::closeAllPages()
+bool ShellCentralArea::mustBeAsked(const NHelioAppPage* page) const
+{
+    return !m_mayClose.contains(page) && documentGuardOf(page);
+}
+
+bool ShellCentralArea::closePages(const QVector<NHelioAppPage*>& pages)
+{
+    QVector<NHelioAppPage*> asked;
+    bool areAllClosed = true;
+    for (NHelioAppPage* page : pages) {
+        if (!m_pages.contains(page))
+            continue;
+        if (mustBeAsked(page))
+            asked.append(page);
+        else
+            areAllClosed = page->close() && areAllClosed;
+    }
+    if (!asked.isEmpty())
+        askDocuments(asked, {});
+    return areAllClosed && asked.isEmpty();
+}
+
+bool ShellCentralArea::closeAllPages(std::function<void()> then)
 {
     const QVector<NHelioAppPage*> pages = pagesCurrentLast();
+    if (std::any_of(pages.begin(), pages.end(), [this](const auto* page) { return mustBeAsked(page); })) {
+        askDocuments(m_pages, [then](bool all) {
+            if (all && then)
+                then();
+        });
+        return false;
+    }
     return std::all_of(pages.begin(), pages.end(),
                        [this](NHelioAppPage* page) { return !m_pages.contains(page) || page->close(); });
+}
+
+void ShellCentralArea::askDocuments(const QVector<NHelioAppPage*>& pages, std::function<void(bool)> then)
+{
+    for (const NHelioAppPage* page : pages) {
+        if (!m_leaving.contains(page))
+            continue;
+        // One question at a time; the wider wish takes the place of the narrower one.
+        if (pages.size() == 1) {
+            if (then)
+                m_deciding.insert(page, then);
+            return;
+        }
+        if (LeaveRequest* earlier = m_leaving.value(page))
+            earlier->cancel();
+    }
+    const auto done = [this, pages, then](bool all, const QVector<NHelioAppPage*>& free) {
+        for (const NHelioAppPage* page : pages)
+            m_leaving.remove(page);
+        closeWithoutAsking(free);
+        for (const NHelioAppPage* page : pages)
+            decide(page, !m_pages.contains(const_cast<NHelioAppPage*>(page)));
+        if (then)
+            then(all);
+    };
+    auto* request =
+        new LeaveRequest(pages, LeaveRequest::Purpose::Close, LeaveRequest::Manner::Ask, done, this);
+    for (const NHelioAppPage* page : pages)
+        m_leaving.insert(page, request);
+    request->start();
+}
+
+void ShellCentralArea::closeWithoutAsking(const QVector<NHelioAppPage*>& pages)
+{
+    QVector<NHelioAppPage*> currentLast = pages;
+    std::stable_partition(currentLast.begin(), currentLast.end(),
+                          [this](const NHelioAppPage* page) { return page != m_current; });
+    for (NHelioAppPage* page : pages)
+        m_mayClose.insert(page);
+    for (NHelioAppPage* page : currentLast) {
+        if (m_pages.contains(page))
+            page->close();
+    }
+    for (const NHelioAppPage* page : pages)
+        m_mayClose.remove(page);
+}
+
+void ShellCentralArea::whenDecided(const NHelioAppPage* page, std::function<void(bool)> listener)
+{
+    if (m_leaving.contains(page))
+        m_deciding.insert(page, std::move(listener));
+    else
+        listener(!m_pages.contains(const_cast<NHelioAppPage*>(page)));
+}
+
+void ShellCentralArea::decide(const NHelioAppPage* page, bool closes)
+{
+    const auto listeners = m_deciding.values(page);
+    m_deciding.remove(page);
+    for (const auto& listener : listeners)
+        listener(closes);
+}
+
+void ShellCentralArea::cancelLeaving()
+{
+    const QHash<const NHelioAppPage*, QPointer<LeaveRequest>> requests = m_leaving;
+    for (const QPointer<LeaveRequest>& request : requests) {
+        if (request)
+            request->cancel();
+    }
 }
 
 void ShellCentralArea::releaseInactivePages()
 {
     const QVector<NHelioAppPage*> pages = m_pages;
     for (NHelioAppPage* page : pages) {
-        if (!m_pages.contains(page) || page == m_current)
+        if (!m_pages.contains(page) || page == m_current || m_leaving.contains(page))
             continue;
         if ((m_releasedSinceShown.contains(page) && page->isReleased()) || !page->isDiscardable())
             continue;
@@ -297,6 +399,11 @@ bool ShellCentralArea::askToClose(QObject* watched, QEvent* closeEvent)
     m_beingAskedToClose.remove(watched);
     if (!page || !closeEvent->isAccepted() || !m_pages.contains(page))
         return true;
+    if (mustBeAsked(page)) {
+        closeEvent->ignore();
+        askDocuments({page}, {});
+        return true;
+    }
     stopWatching(page);
     // The parent stays: a page finds its window until its end.
     m_stack->removeWidget(page);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "nheliostat/NHelioMainWindow.h"
+#include "nheliostat/framework/LeaveRequest.h"
 
+#include <QHash>
 #include <QSet>
 
 class QStackedWidget;
@@ -11,7 +13,8 @@ class ShellEmptyState;
  * The pages of a window, one of them shown; the empty state when there is none.
  *
  * A page leaves by `removePage`, by closing itself (it is then deleted at a later turn of the event loop;
- * until then it still stands in its window) or by being deleted.
+ * until then it still stands in its window) or by being deleted. A page whose document can be asked does not
+ * close at once: its `close` answers false, and it closes when the document, or the user, has agreed.
  */
 class ShellCentralArea final : public NHelioCentralArea
 {
@@ -51,8 +54,23 @@ public:
     void movePage(int from, int to);
     /** Makes the page that stands `step` places behind the current one current, round and round. */
     void stepCurrentPage(int step);
-    /** Closes all pages, the current one last. False, with the rest left open, when a page refuses. */
-    bool closeAllPages();
+    /**
+     * Closes pages. Those whose documents can be asked go together, once all of them, or the user, agreed;
+     * the others at once. False when one stays for now.
+     */
+    bool closePages(const QVector<NHelioAppPage*>& pages);
+    /**
+     * Closes all pages, the current one last. False when a page refuses, with the rest left open, or when
+     * there are documents to be asked; `then` is called when all of these have agreed later.
+     */
+    bool closeAllPages(std::function<void()> then = {});
+    /** Tells, once, what became of a page that is being asked: whether it closes. At once for another one. */
+    void whenDecided(const NHelioAppPage* page, std::function<void(bool closes)> listener);
+    /** Takes back the questions that are open: all pages stay. */
+    void cancelLeaving();
+    /** The documents of these pages have agreed, or been closed: the pages close without being asked again.
+     */
+    void closeWithoutAsking(const QVector<NHelioAppPage*>& pages);
     /** Releases the pages that are not current and say that they can be released. */
     void releaseInactivePages();
 
@@ -80,6 +98,9 @@ private:
     void onPageDestroyed(QObject* page);
     void watchSubPage(NHelioAppPage* page);
     bool askToClose(QObject* page, QEvent* closeEvent);
+    bool mustBeAsked(const NHelioAppPage* page) const;
+    void askDocuments(const QVector<NHelioAppPage*>& pages, std::function<void(bool all)> then);
+    void decide(const NHelioAppPage* page, bool closes);
 
     QStackedWidget* m_stack;
     ShellEmptyState* m_emptyState;
@@ -88,4 +109,7 @@ private:
     Vacancy m_vacancy;
     QSet<const NHelioAppPage*> m_releasedSinceShown;
     QSet<const QObject*> m_beingAskedToClose;
+    QSet<const NHelioAppPage*> m_mayClose; //!< their documents were asked
+    QHash<const NHelioAppPage*, QPointer<LeaveRequest>> m_leaving;
+    QMultiHash<const NHelioAppPage*, std::function<void(bool)>> m_deciding;
 };

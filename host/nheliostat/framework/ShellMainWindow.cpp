@@ -81,7 +81,7 @@ void ShellMainWindow::setDark(bool dark)
 
 void ShellMainWindow::closeEvent(QCloseEvent* event)
 {
-    event->setAccepted(m_area->closeAllPages());
+    event->setAccepted(m_area->closeAllPages([this] { close(); }));
 }
 
 template <typename Slot>

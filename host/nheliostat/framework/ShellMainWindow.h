@@ -37,7 +37,7 @@ Q_SIGNALS:
     void newPageRequested();
 
 protected:
-    /** Closes the pages first; stays open when one refuses. */
+    /** Closes the pages first; stays open when one refuses, or until their documents were asked. */
     void closeEvent(QCloseEvent* event) override;
 
 private:

@@ -1,6 +1,7 @@
 #include "nheliostat/framework/ShellPageMoves.h"
 
 #include "nheliostat/NHelioSubPage.h"
+#include "nheliostat/framework/LeaveRequest.h"
 #include "nheliostat/framework/ShellCentralArea.h"
 #include "nheliostat/framework/ShellMainWindow.h"
 #include "nheliostat/framework/ShellTabBar.h"
@@ -114,6 +115,16 @@ void ShellPageMoves::keepAside(NHelioAppPage* page, ShellMainWindow& window, int
     connect(&window, &QObject::destroyed, this, drop, Qt::QueuedConnection);
 }
 
+QVector<NHelioAppPage*> ShellPageMoves::pagesAside() const
+{
+    QVector<NHelioAppPage*> pages;
+    for (const Aside& aside : m_asides) {
+        if (aside.page && !aside.page->parent())
+            pages.append(aside.page);
+    }
+    return pages;
+}
+
 ShellMainWindow* ShellPageMoves::windowOf(const QObject* page) const
 {
     const auto aside = std::find_if(m_asides.begin(), m_asides.end(),
@@ -125,6 +136,14 @@ void ShellPageMoves::dropIfAside(NHelioAppPage* page)
 {
     if (!page || page->parent())
         return;
-    page->close();
-    page->deleteLater();
+    // Nobody can see it to decide: it saves what it can.
+    const auto done = [](bool, const QVector<NHelioAppPage*>& pages) {
+        for (NHelioAppPage* gone : pages) {
+            if (gone->parent())
+                continue;
+            gone->close();
+            gone->deleteLater();
+        }
+    };
+    (new LeaveRequest({page}, LeaveRequest::Purpose::Close, LeaveRequest::Manner::Tell, done, this))->start();
 }

@@ -35,6 +35,7 @@ public:
      * that page or the window goes, unless it stands in a window again by then.
      */
     void keepAside(NHelioAppPage* page, ShellMainWindow& window, int index, NHelioAppPage* replacement);
+    QVector<NHelioAppPage*> pagesAside() const;
     /** The window that a page that is kept aside belongs to; null for all other objects. */
     ShellMainWindow* windowOf(const QObject* page) const;
 

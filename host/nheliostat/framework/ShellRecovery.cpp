@@ -5,6 +5,7 @@
 #include "nheliostat/framework/ShellCentralArea.h"
 #include "nheliostat/framework/ShellMainWindow.h"
 #include "zeolite/NxLoggerLite.h"
+#include "zeolite/NxWebViewContainer.h"
 
 #include <chrono>
 #include <utility>
@@ -73,6 +74,13 @@ void ShellRecovery::watchBrowser(NHelioAppPage* page)
     const auto changed = [this, page] { update(page); };
     disconnect(browser, nullptr, this, nullptr);
     connect(browser, &NHelioBrowserWidgetBase::loadFinished, this, changed);
+    // A page may change what its address says without a load.
+    const auto followAddress = [this, changed](NxWebViewContainer* view) {
+        connect(view, &NxWebViewContainer::addressChange, this, changed, Qt::QueuedConnection);
+    };
+    connect(browser, &NHelioBrowserWidgetBase::webviewCreated, this, followAddress);
+    if (NxWebViewContainer* view = browser->webViewContainer())
+        followAddress(view);
     // The page takes in what it is told before it is asked.
     connect(browser, &NHelioBrowserWidgetBase::webFileReady, this, changed, Qt::QueuedConnection);
 }

@@ -45,10 +45,21 @@ void ShellTab::restart()
 {
     if (!m_page)
         return;
-    if (m_subPage && !m_subPage->isDiscardable())
-        askToRestart();
-    else
-        restartNow();
+    if (m_leave)
+        return;
+    const auto done = [this](bool leaves, const QVector<NHelioAppPage*>&) {
+        const bool wasAsked = m_leave && m_leave->wasAsked();
+        m_leave.clear();
+        if (!leaves || !m_page)
+            return;
+        if (!wasAsked && m_subPage && !m_subPage->isDiscardable())
+            askToRestart();
+        else
+            restartNow();
+    };
+    m_leave =
+        new LeaveRequest({m_page}, LeaveRequest::Purpose::Restart, LeaveRequest::Manner::Ask, done, this);
+    m_leave->start();
 }
 
 void ShellTab::askToRestart()
@@ -67,6 +78,8 @@ void ShellTab::askToRestart()
 void ShellTab::restartNow()
 {
     const QPointer<NHelioAppPage> page = m_page;
+    if (auto* guard = documentGuardOf(page))
+        guard->allowLeaving();
     page->releasePage();
     if (page && page->isReleased())
         page->load();

@@ -2,6 +2,7 @@
 
 #include "nheliostat/NHelioMainWindow.h"
 #include "nheliostat/NHelioSubPage.h"
+#include "nheliostat/framework/LeaveRequest.h"
 
 #include <QPointer>
 
@@ -55,5 +56,6 @@ private:
     QPointer<ShellCentralArea> m_area;
     QPointer<NHelioSubPage> m_subPage;
     QPointer<NHelioTabDelegate> m_delegate;
+    QPointer<LeaveRequest> m_leave; //!< a child; while it is asked whether the page may restart
     bool m_allowReAttach = false;
 };

@@ -12,6 +12,7 @@
 #include <QToolButton>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -110,11 +111,12 @@ void ShellTabBar::closeCurrentTab()
 
 void ShellTabBar::closeOtherTabs(const ShellTab* tab)
 {
-    const QVector<ShellTab*> tabs = m_tabs;
-    for (ShellTab* other : tabs) {
-        if (other != tab && m_tabs.contains(other))
-            other->tryClose();
+    QVector<NHelioAppPage*> pages;
+    for (const ShellTab* other : std::as_const(m_tabs)) {
+        if (other != tab && other->page() && other->isClosable())
+            pages.append(other->page());
     }
+    m_area.closePages(pages);
 }
 
 void ShellTabBar::setDark(bool dark)

@@ -21,7 +21,7 @@ ControlSession::ControlSession(ControlStreams streams, ZeoliteHost& services, Pa
 void ControlSession::serve(ShellApplication& application, UserSession& user, DialogAnswers& answers)
 {
     m_pageMethods.emplace(application, m_pages);
-    m_shellMethods.emplace(application, m_pages, m_services, user);
+    m_shellMethods.emplace(application, m_pages, m_services, user, [this] { Q_EMIT quitAsked(); });
     m_dispatcher.add(m_pageMethods->methods());
     m_dispatcher.add(m_shellMethods->methods());
     m_dispatcher.add({dialogAnswerMethod(answers)});

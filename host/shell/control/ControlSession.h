@@ -36,6 +36,8 @@ public:
 Q_SIGNALS:
     /** Nobody will ask for anything any more. */
     void ended();
+    /** The program is to end. */
+    void quitAsked();
 
 private:
     void onLine(const QByteArray& line);

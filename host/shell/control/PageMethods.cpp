@@ -11,6 +11,8 @@
 #include "nheliostat/NHelioMainWindow.h"
 #include "nheliostat/NHelioPluginWidgetFactory.h"
 #include "nheliostat/framework/ShellApplication.h"
+#include "nheliostat/framework/ShellCentralArea.h"
+#include "nheliostat/framework/ShellMainWindow.h"
 
 #include <QPointer>
 
@@ -77,11 +79,13 @@ QVector<rpc::Method> PageMethods::methods()
             pageMethod(QStringLiteral("page.openFiles"), {args}, &PageMethods::openFiles),
             pageMethod(QStringLiteral("page.load"), {}, &PageMethods::load),
             pageMethod(QStringLiteral("page.release"), {}, &PageMethods::release),
-            pageMethod(QStringLiteral("page.close"), {}, &PageMethods::close),
             pageMethod(QStringLiteral("page.invoke"), {method, anyArgs}, &PageMethods::invoke),
             pageMethod(QStringLiteral("page.state"), {}, &PageMethods::state),
             pageMethod(QStringLiteral("page.screenshot"), {file}, &PageMethods::screenshot),
             pageMethod(QStringLiteral("browser.crash"), {}, &PageMethods::crash),
+            {QStringLiteral("page.close"),
+             {pageParameter()},
+             [this](const QJsonObject& params, const rpc::Reply& reply) { close(params, reply); }},
             {QStringLiteral("page.evaluate"),
              {pageParameter(), code, timeout},
              [this](const QJsonObject& params, const rpc::Reply& reply) { evaluate(params, reply); }}};
@@ -139,11 +143,18 @@ Outcome PageMethods::release(NHelioAppPage& page, const QJsonObject&)
     return QJsonValue(page.isReleased());
 }
 
-Outcome PageMethods::close(NHelioAppPage& page, const QJsonObject&)
+void PageMethods::close(const QJsonObject& params, const rpc::Reply& reply)
 {
-    const NHelioMainWindow* window = m_application.findRelativeHelioMainWindow(&page);
-    NHelioTab* tab = window ? window->tabBar()->tabOf(page.initialSubPage()) : nullptr;
-    return QJsonValue(tab ? tab->tryClose() : page.close());
+    NHelioAppPage* page = m_pages.find(params.value(QLatin1String("page")).toInt());
+    if (!page)
+        return reply(noPage(params));
+    const auto* window = qobject_cast<ShellMainWindow*>(m_application.findRelativeHelioMainWindow(page));
+    NHelioTab* tab = window ? window->tabBar()->tabOf(page->initialSubPage()) : nullptr;
+    if (tab ? tab->tryClose() : page->close())
+        return reply(QJsonValue(true));
+    if (!window)
+        return reply(QJsonValue(false));
+    window->area().whenDecided(page, [reply](bool closes) { reply(QJsonValue(closes)); });
 }
 
 Outcome PageMethods::invoke(NHelioAppPage& page, const QJsonObject& params)

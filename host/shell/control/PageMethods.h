@@ -27,11 +27,11 @@ private:
     rpc::Outcome openFiles(NHelioAppPage& page, const QJsonObject& params);
     rpc::Outcome load(NHelioAppPage& page, const QJsonObject& params);
     rpc::Outcome release(NHelioAppPage& page, const QJsonObject& params);
-    rpc::Outcome close(NHelioAppPage& page, const QJsonObject& params);
     rpc::Outcome invoke(NHelioAppPage& page, const QJsonObject& params);
     rpc::Outcome state(NHelioAppPage& page, const QJsonObject& params);
     rpc::Outcome screenshot(NHelioAppPage& page, const QJsonObject& params);
     rpc::Outcome crash(NHelioAppPage& page, const QJsonObject& params);
+    void close(const QJsonObject& params, const rpc::Reply& reply);
     void evaluate(const QJsonObject& params, const rpc::Reply& reply);
 
     ShellApplication& m_application;

@@ -8,7 +8,7 @@
 #include "nrt/NrtHost.h"
 #include "zeolite/ZeoliteHost.h"
 
-#include <QCoreApplication>
+#include <utility>
 
 namespace shell {
 
@@ -30,13 +30,6 @@ rpc::Method flagMethod(const QString& method, SetFlag set)
         });
 }
 
-Outcome quit(const QJsonObject&)
-{
-    // Later: the response goes out first.
-    QMetaObject::invokeMethod(QCoreApplication::instance(), &QCoreApplication::quit, Qt::QueuedConnection);
-    return QJsonValue();
-}
-
 QVector<rpc::Parameter> userParameters()
 {
     const auto optional = [](const QString& name, Type type) { return rpc::Parameter{name, type, false}; };
@@ -51,11 +44,12 @@ QVector<rpc::Parameter> userParameters()
 } // namespace
 
 ShellMethods::ShellMethods(ShellApplication& application, PageDirectory& pages, ZeoliteHost& services,
-                           UserSession& user)
+                           UserSession& user, std::function<void()> quit)
     : m_application(application)
     , m_pages(pages)
     , m_services(services)
     , m_user(user)
+    , m_quit(std::move(quit))
 {
 }
 
@@ -63,7 +57,11 @@ QVector<rpc::Method> ShellMethods::methods()
 {
     return {rpc::immediateMethod(QStringLiteral("shell.state"), {},
                                  [this](const QJsonObject&) { return state(); }),
-            rpc::immediateMethod(QStringLiteral("shell.quit"), {}, &quit),
+            rpc::immediateMethod(QStringLiteral("shell.quit"), {},
+                                 [this](const QJsonObject&) {
+                                     m_quit();
+                                     return QJsonValue();
+                                 }),
             rpc::immediateMethod(QStringLiteral("config.set"),
                                  {{QStringLiteral("group"), Type::Integer},
                                   {QStringLiteral("item"), Type::Integer},

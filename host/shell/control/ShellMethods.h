@@ -2,6 +2,8 @@
 
 #include "shell/control/RpcMethod.h"
 
+#include <functional>
+
 class ShellApplication;
 class ZeoliteHost;
 
@@ -14,8 +16,9 @@ class UserSession;
 class ShellMethods
 {
 public:
+    /** `quit` has the program end later. */
     ShellMethods(ShellApplication& application, PageDirectory& pages, ZeoliteHost& services,
-                 UserSession& user);
+                 UserSession& user, std::function<void()> quit);
 
     QVector<rpc::Method> methods();
 
@@ -28,6 +31,7 @@ private:
     PageDirectory& m_pages;
     ZeoliteHost& m_services;
     UserSession& m_user;
+    std::function<void()> m_quit;
 };
 
 } // namespace shell

@@ -32,6 +32,8 @@ public:
     }
 
     int get() const { return m_descriptor; }
+    /** Gives the descriptor to the caller. */
+    int release() { return std::exchange(m_descriptor, -1); }
     explicit operator bool() const { return m_descriptor >= 0; }
 
 private:

@@ -22,7 +22,8 @@ public:
 
     /**
      * What the web application reports to the shell: "webFileReady" and "shareDlgReady" with text members,
-     * "menuItemDataReady" with an object. False for another name.
+     * "menuItemDataReady" with an object, "unsavedChanges" with the flag "unsaved": whether the document's
+     * end would lose something. False for another name.
      */
     bool reportFromScript(const QString& name, const QJsonObject& data);
 
@@ -36,6 +37,7 @@ Q_SIGNALS:
     void sig_webFileReady(const QMap<QString, QString>& info);
     void sig_shareDlgReady(const QMap<QString, QString>& info);
     void sig_menuItemDataReady(const QJsonObject& data);
+    void sig_unsavedChanges(bool unsaved);
     void sig_closeCooperationResult(const QString& fileId, bool closed);
     /** The script asks the shell to sign the user in or out, or to open a URL. */
     void loginRequested();

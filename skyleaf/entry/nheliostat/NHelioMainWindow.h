@@ -43,7 +43,8 @@ class NHelioTab : public QObject
     Q_OBJECT
 public:
     using QObject::QObject;
-    /** Closes the tab with its page unless the page refuses. */
+    /** Closes the tab with its page unless the page refuses. False also while the page's document is asked
+     * first; the tab then closes later, or stays. */
     virtual bool tryClose() = 0;
     virtual void setAllowReAttachSubwindow(bool allow) = 0;
     virtual void reAttachSubPage(QWidget* window) = 0;

@@ -14,13 +14,14 @@ ADD_ON_GROUP = "60"
 PREREQUEST_ITEM = "57911"
 ACCELERATE_ITEM = "53613"
 PRELOADING_ITEM = "59743"
+OFFLINE_EDITING_ITEM = "60708"
 DELAYED_LOAD_ITEM = "59777"
 PROXY_RESET_ITEM = "60994"
 VERSION_CHECK_ITEM = "62377"
 
 
-def switches(preloading=False, version_check=False, delay_ms=None, proxy_reset=False, **accelerate):
-    """Items of the configuration centre that turn the local packages on."""
+def switches(preloading=False, version_check=False, delay_ms=None, proxy_reset=False, offline_editing=None, **accelerate):
+    """Items of the configuration centre that turn the local packages on; `offline_editing` None: as the shell has it."""
     items = {
         ACCELERATE_ITEM: {"DOPMasterSwitch": True, "wordDOPSwitch": True, "vsDOPSwitch": True, **accelerate},
         PRELOADING_ITEM: {"enabled": preloading},
@@ -29,6 +30,9 @@ def switches(preloading=False, version_check=False, delay_ms=None, proxy_reset=F
     }
     if delay_ms is not None:
         items[DELAYED_LOAD_ITEM] = {"enabled": True, "delay_interval": delay_ms}
+    if offline_editing is not None:
+        names = ("DOPOfflineEditMasterSwitch", "wordDOPSwitch", "vsDOPSwitch")
+        items[OFFLINE_EDITING_ITEM] = {name: offline_editing for name in names}
     return {"configCentre": {ADD_ON_GROUP: items}}
 
 

@@ -38,6 +38,7 @@ export class DocumentScreen {
   #opening = null;
   #askAgain = null;
   #conflicts;
+  #reportedUnsaved = false;
 
   /**
    * @param {object} parts
@@ -86,6 +87,16 @@ export class DocumentScreen {
   /** Whether leaving the page now would lose what was typed. Starts to save what can still be saved. */
   leavingLosesChanges() {
     return this.#session !== null && this.#session.leavingLosesChanges();
+  }
+
+  /** Whether the page's end would lose something now. */
+  get holdsUnsaved() {
+    return this.#session !== null && this.#session.holdsUnsaved;
+  }
+
+  /** Saves and keeps what can be. @returns {Promise<boolean>} whether the page's end then loses nothing */
+  prepareToLeave() {
+    return this.#session ? this.#session.prepareToLeave() : Promise.resolve(true);
   }
 
   save() {
@@ -161,6 +172,7 @@ export class DocumentScreen {
   #drop() {
     if (this.#session) this.#session.discard();
     this.#session = null;
+    this.#reportUnsaved();
   }
 
   #offerToStay(mayReload) {
@@ -372,10 +384,11 @@ export class DocumentScreen {
     const earlier = this.#session;
     let session = null;
     const onSaveState = (state) => (session === null || this.#session === session) && this.#showSaveState(state, session);
+    const onChange = () => this.#reportUnsaved();
     this.#frame.insert(host);
     this.#progress.step('mount');
     try {
-      session = new EditingSession({ opened, mount, host, api: this.#api, onSaveState });
+      session = new EditingSession({ opened, mount, host, api: this.#api, onSaveState, onChange });
       this.#session = session;
       session.isServerAway = opened.unsent === true;
       if (session.ready) await session.ready;
@@ -420,7 +433,14 @@ export class DocumentScreen {
     }
   }
 
+  /** The desktop side knows at any time whether the page may go without a question. */
+  #reportUnsaved() {
+    const unsaved = this.holdsUnsaved;
+    if (unsaved !== this.#reportedUnsaved && this.#native.reportUnsaved(unsaved)) this.#reportedUnsaved = unsaved;
+  }
+
   #showSaveState(state, session) {
+    this.#reportUnsaved();
     const { text, tone } = session ? sessionSaveText(session) : saveText(state);
     this.#frame.setSaveState(text, tone);
     this.#progress.set({ saved: state.kind === 'saved', error: tone === 'bad' ? text : null });

@@ -23,14 +23,16 @@ export class EditingSession {
    * @param {Element} options.host
    * @param {import('./DocumentsApi.js').DocumentsApi} options.api
    * @param {(state: import('./SaveQueue.js').SaveState) => void} options.onSaveState
+   * @param {() => void} [options.onChange] the content changed
    */
-  constructor({ opened, mount, host, api, onSaveState }) {
+  constructor({ opened, mount, host, api, onSaveState, onChange = () => {} }) {
     this.fileId = opened.fileId;
     this.fileName = opened.fileName;
     this.version = opened.version === null && opened.base !== undefined ? opened.base : opened.version;
     const changed = () => {
       if (this.keeper) this.keeper.changed();
       this.#queue.changed();
+      onChange();
     };
     this.#editor = mount(host, opened.content, { onChange: changed, fileName: opened.fileName });
     this.#queue = new SaveQueue({
@@ -87,7 +89,7 @@ export class EditingSession {
 
   /** Brings what is unsaved to this computer's disk, where that is done. @returns {Promise<boolean>} whether it is there */
   async keep() {
-    if (this.keeper) await this.keeper.record();
+    if (this.keeper) await this.keeper.settle();
     return this.isKept;
   }
 
@@ -113,11 +115,25 @@ export class EditingSession {
     return this.#queue.overwrite();
   }
 
+  /** Whether the page's end would lose something now. */
+  get holdsUnsaved() {
+    return this.hasUnsavedChanges && !this.isKept;
+  }
+
+  /** Saves and keeps what can be. @returns {Promise<boolean>} whether the page's end then loses nothing */
+  async prepareToLeave() {
+    const kept = this.keep(); // at the same time: either may hang
+    await this.save();
+    await kept;
+    await this.keep();
+    return !this.holdsUnsaved;
+  }
+
   /** Starts to save, and says whether the page's end would cut that short. */
   leavingLosesChanges() {
     this.#editor.commit();
-    if (!this.hasUnsavedChanges) return false;
-    if (this.isKept) return false;
+    if (!this.holdsUnsaved) return false;
+    this.keep();
     const stuck = ['failed', 'conflict', 'held'].includes(this.#queue.state.kind);
     this.#queue.flush();
     return stuck || JSON.stringify(this.#editor.content()).length > sentOnLeaving;

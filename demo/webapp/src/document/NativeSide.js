@@ -90,4 +90,12 @@ export class NativeSide {
     helio.emitHost('webFileReady', { fileId: String(fileId), fileName: String(fileName), fileType: String(fileType) });
     return true;
   }
+
+  /** Tells the desktop side whether the page's end would lose something. @returns {boolean} whether it was told */
+  reportUnsaved(unsaved) {
+    const helio = this.#helio;
+    if (!helio || typeof helio.emitHost !== 'function') return false;
+    helio.emitHost('unsavedChanges', { unsaved });
+    return true;
+  }
 }

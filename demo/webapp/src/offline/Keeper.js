@@ -21,6 +21,7 @@ export class Keeper {
   #recording = null;
   #copying = null;
   #writes = 0;
+  #lastWrite = null;
   #journalMs = journalMs;
   #unkept = false;
   #closed = false;
@@ -79,6 +80,12 @@ export class Keeper {
     await written;
   }
 
+  /** Writes down what was not yet. Resolves when nothing is being written any more. */
+  async settle() {
+    await this.record();
+    while (this.#writes > 0) await this.#lastWrite;
+  }
+
   sending(content) {
     this.#write(() => this.#writer.sending(content));
   }
@@ -119,7 +126,12 @@ export class Keeper {
     this.#recording = null;
   }
 
-  async #write(step) {
+  #write(step) {
+    this.#lastWrite = this.#writeNow(step);
+    return this.#lastWrite;
+  }
+
+  async #writeNow(step) {
     ++this.#writes;
     let error = null;
     try {
