@@ -94,6 +94,7 @@ void NDocumentLoad::drop()
     m_waitsForView = false;
     m_host.loadProxies().removeProxies();
     if (m_task) {
+        m_isVersionChecked = m_isVersionChecked || m_task->hasAskedVersion();
         m_task->abandon();
         m_task->disconnect(this);
         m_task.release()->deleteLater(); // it may be the one that calls
@@ -190,13 +191,21 @@ void NDocumentLoad::adopt(const QString& url, const NDocumentLoad& earlier)
     advance(LoadEvent::Show);
 }
 
+/** What the server has said of the document is not asked again. */
+void NDocumentLoad::goOnWhere(const NDocumentLoad& earlier)
+{
+    setOfficeType(earlier.m_officeType);
+    m_requestedFrontVer = earlier.m_requestedFrontVer;
+    m_isVersionChecked = earlier.m_isVersionChecked || (earlier.m_task && earlier.m_task->hasAskedVersion());
+}
+
 void NDocumentLoad::repeat(const NDocumentLoad& earlier)
 {
     m_url = earlier.m_url;
     m_fileId = earlier.m_fileId;
     m_traceId = earlier.m_traceId;
     m_reloadUrl = earlier.m_reloadUrl;
-    setOfficeType(earlier.m_officeType);
+    goOnWhere(earlier);
     if (!earlier.m_run)
         return;
     makeRunData();
@@ -207,7 +216,7 @@ void NDocumentLoad::repeat(const NDocumentLoad& earlier)
 
 void NDocumentLoad::comeBack(const NDocumentLoad& earlier, qint64 loadStartMs)
 {
-    setOfficeType(earlier.m_officeType);
+    goOnWhere(earlier);
     QUrl url(earlier.m_url);
     if (url.isValid() && !url.isEmpty()) {
         docsurl::replaceQueryItem(url, QStringLiteral("from"), QStringLiteral("discard-page-reload"));
@@ -258,7 +267,8 @@ void NDocumentLoad::navigate()
 
 void NDocumentLoad::showAt(const QString& address)
 {
-    initDocsLocalResource();
+    if (container())
+        installForRun();
     if (advance(LoadEvent::Show))
         giveToBrowser(QUrl(address));
 }
@@ -280,10 +290,9 @@ bool NDocumentLoad::isLeftFor(const QString& address)
     if (!isShown() || m_url.isEmpty() || !isServiceHost(present.host()))
         return false;
     const QUrl told(m_url);
-    const bool isHere =
-        docsurl::isDocumentUrl(told) || docsurl::isDocumentUrl(present)
-            ? nresourcerequests::isSameDocument(told, present)
-            : docsurl::withoutOpenTimeItems(m_url) == docsurl::withoutOpenTimeItems(address);
+    const bool isHere = docsurl::isDocumentUrl(told) || docsurl::isDocumentUrl(present)
+                            ? nresourcerequests::isSameDocument(told, present)
+                            : docsurl::withoutOpenTimeItems(m_url) == docsurl::withoutOpenTimeItems(address);
     if (isHere)
         m_hasArrived = true;
     return !isHere && m_hasArrived;

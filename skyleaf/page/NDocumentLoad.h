@@ -143,7 +143,7 @@ private Q_SLOTS:
 private:
     bool advance(LoadEvent event);
     void drop();
-    void setDocument(const QString& url);
+    void goOnWhere(const NDocumentLoad& earlier);
     NxWebViewContainer* container() const;
     void setOfficeType(const QString& officeType);
     void normalizeUrl(const QString& url);
@@ -194,6 +194,7 @@ private:
     std::unique_ptr<NDocsOfflinePage::NRunData> m_run; //!< none before the requests start
     bool m_isRunStarted = false;
     bool m_isVersionAsked = false;
+    bool m_isVersionChecked = false; //!< the check was sent by an earlier load of the document
     QElapsedTimer m_runTimer;
     QElapsedTimer m_replyTimer; //!< since the last reply
     QTimer m_versionTimer;

@@ -82,7 +82,7 @@ void NDocumentLoad::makeRunData()
         NDocsOfflinePage::NRunIdentity{connId, injectId, m_fileId, m_officeType}, m_url);
 }
 
-/** The page is shown already: what is served belongs to the new run from now on. */
+/** What is served belongs to the present run from now on; nothing is shown anew. */
 void NDocumentLoad::installForRun()
 {
     NCloudDocsPageProxyManager& proxies = m_host.loadProxies();
@@ -146,6 +146,8 @@ void NDocumentLoad::ensureRequestTask()
     if (m_task)
         return;
     m_task = std::make_unique<NCloudDocsRequestTask>(this);
+    if (m_isVersionChecked)
+        m_task->setVersionAsked();
     connect(m_task.get(), &NCloudDocsRequestTask::requestTaskFinished, this,
             &NDocumentLoad::onRequestTaskFinished);
     connect(m_task.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this, &NDocumentLoad::cookiesCame,

@@ -292,9 +292,8 @@ bool NHelioCloudDocsPage::followBrowser(const QString& url)
 {
     if (!m_load->isLeftFor(url))
         return false;
-    replaceLoad(LoadReason::Navigation, [&url](NDocumentLoad& load, const NDocumentLoad& earlier) {
-        load.adopt(url, earlier);
-    });
+    replaceLoad(LoadReason::Navigation,
+                [&url](NDocumentLoad& load, const NDocumentLoad& earlier) { load.adopt(url, earlier); });
     return true;
 }
 

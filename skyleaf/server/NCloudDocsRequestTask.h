@@ -34,6 +34,9 @@ public:
     explicit NCloudDocsRequestTask(QObject* parent);
     ~NCloudDocsRequestTask() override;
 
+    // The version check is sent once, also by a task that goes on where another one ended.
+    bool hasAskedVersion() const { return m_client->hasAskedVersion(); }
+    void setVersionAsked() { m_client->setVersionAsked(); }
     /** What is still on its way is dropped. */
     void abandon() { m_client->abandon(); }
     /** Starts a run, unless no local package is available for the document. */

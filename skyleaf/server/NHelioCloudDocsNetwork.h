@@ -45,6 +45,9 @@ public:
 
     /** Drops what is still on its way: queries, requests that wait for them, replies. */
     void abandon();
+    bool hasAskedVersion() const { return m_vcsStarted; }
+    /** The version check of the file was sent by another client. */
+    void setVersionAsked() { m_vcsStarted = true; }
     bool hasStartedPreRequest() const { return m_startedPreRequest; }
     QJsonObject openFileRequestBody() const { return m_openFileRequestBody; }
     HeaderPairs openFileResponseHeaders() const { return m_openFileResponseHeaders; }

@@ -195,10 +195,13 @@ TEST_F(CloudDocsPage, ReleasedPageComesBackToWhatItsAddressLedTo)
     turn();
     page->notify(s("https://docs.test/office/new/w"));
     page->load();
+    turn();
     FakeBrowserWidget* browser = browserOf(page);
+    browser->deliverAddress(browser->currentUrl());
     browser->deliverAddress(s("https://docs.test/p/9?officeType=w"));
     page->releasePage();
     page->load();
+    turn();
     EXPECT_EQ(browser->loads.last().path(), s("/p/9"));
     EXPECT_EQ(query(browser->loads.last().toString(), "from"), s("discard-page-reload"));
 
@@ -206,6 +209,7 @@ TEST_F(CloudDocsPage, ReleasedPageComesBackToWhatItsAddressLedTo)
     browser->deliverAddress(s("https://elsewhere.test/x"));
     page->releasePage();
     page->load();
+    turn();
     EXPECT_EQ(browser->loads.last().path(), s("/p/9"));
 }
 

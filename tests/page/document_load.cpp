@@ -320,7 +320,7 @@ protected:
     QStringList way;
     bool isTold = true;        //!< the browser is to be where the page was told
     bool isToldInRest = false; //!< while it was released
-    bool isArrived = false; //!< the browser reported where it is, and nothing happened since
+    bool isArrived = false;    //!< the browser reported where it is, and nothing happened since
 };
 
 TEST_P(DocumentWalk, ShowsAndServesWhatItWasToldLast)
