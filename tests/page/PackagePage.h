@@ -67,7 +67,7 @@ protected:
             host->configCentre().set(60, item.key(), QJsonDocument::fromJson(item.value()).object());
     }
 
-    /** Creates, notifies and loads a page and waits for its browser. */
+    /** Creates, notifies and loads a page and waits for its browser, which loads from then on. */
     void open(const QVector<const char*>& paths = {"/p/7?officeType=w"})
     {
         page = new NHelioCloudDocsPage(nullptr, true, false);
@@ -77,6 +77,7 @@ protected:
         page->load();
         ASSERT_TRUE(waitUntil([this] { return page->findChild<FakeBrowserWidget*>(); }));
         browser = page->findChild<FakeBrowserWidget*>();
+        ASSERT_TRUE(waitUntil([this] { return browser->isCreated(); }));
     }
 
     bool hasLogged(const QString& text) const { return log.lines().filter(text).size() > 0; }
