@@ -143,8 +143,10 @@ NVLTCloudSettings::NVLTCloudSettings()
 
 void runtime::redirectSettings(const QString& dataDir)
 {
+    const QString directory = QDir(dataDir).filePath(QStringLiteral("settings"));
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, directory); // for whoever else uses it
     const std::lock_guard<std::mutex> lock(place().mutex);
-    place().directory = QDir(dataDir).filePath(QStringLiteral("settings"));
+    place().directory = directory;
 }
 
 } // namespace nrt

@@ -143,8 +143,9 @@ QString replace(const QString& path, const QByteArray& bytes)
     if (::stat(QFile::encodeName(path).constData(), &present) == 0 && !S_ISREG(present.st_mode))
         return notRegular();
     QSaveFile file(path);
-    const bool isReplaced =
-        file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit();
+    // The bytes may still be in a buffer, and `commit` does not tell when a full disk refuses that.
+    const bool isReplaced = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+                            file.flush() && file.commit();
     return isReplaced ? QString() : file.errorString();
 }
 

@@ -64,6 +64,13 @@ void NDOPInjectHtml::setPackagePaths(const QString& syncPath, const QString& cac
     m_cacheDirectory = npackageplace::pathOf(resolved, cachePath).value_or(QString());
 }
 
+void NDOPInjectHtml::copyLocalData(const NDOPInjectHtml& other)
+{
+    m_fileInfo = other.m_fileInfo;
+    m_contentDirectory = other.m_contentDirectory;
+    m_cacheDirectory = other.m_cacheDirectory;
+}
+
 QByteArray NDOPInjectHtml::injectHtml(const QByteArray& html, const QString& officeType,
                                       const QString& packageRoot)
 {

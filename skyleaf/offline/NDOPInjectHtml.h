@@ -17,6 +17,7 @@ public:
     void setConnId(const QString& connId) { m_connId = connId.toUtf8(); }
     /** The page's URL, whose query item "localId" names the local storage package. */
     void setUrl(const QString& url) { m_url = url; }
+    const QString& url() const { return m_url; }
     /** JSON text. */
     void setFileInfo(const QByteArray& fileInfo) { m_fileInfo = fileInfo; }
     /**
@@ -24,6 +25,8 @@ public:
      * lies elsewhere, links followed, is not injected.
      */
     void setPackagePaths(const QString& syncPath, const QString& cachePath);
+    /** Takes what another record of the same document knows of its local package. */
+    void copyLocalData(const NDOPInjectHtml& other);
 
     /**
      * The page with the data in it; built once, later calls answer the same page. Empty when an argument is.

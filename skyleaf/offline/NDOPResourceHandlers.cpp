@@ -20,6 +20,9 @@ bool handleHtml(const WeakManager& weakManager, const QString& packageRoot, cons
     const std::shared_ptr<NDOPResourceManager> manager = weakManager.lock();
     if (packageRoot.isEmpty() || injectId.isEmpty() || !callback || !manager)
         return false;
+    // Another document below the same prefix is the server's.
+    if (!manager->isPageOfRecord(injectId, callback->requestUrl()))
+        return false;
     if (manager->isPreloadingOn()) {
         manager->readDOPPreloadedHtmlData(packageRoot, injectId, callback);
         return true;
@@ -118,15 +121,25 @@ void NDOPResourceManager::registerRequestHandler(const QString& kind, const QStr
                                                  const QString& officeType, const QString& connId,
                                                  NHelioBrowserWidgetBase* browser)
 {
-    if (!browser || kind.isEmpty() || fileId.isEmpty() || officeType.isEmpty() || connId.isEmpty())
+    if (!browser || kind.isEmpty())
         return;
-    const QString requestKey = keyOf(kind, fileId, officeType);
+    const QString requestKey = keyOf(kind, fileId, officeType, connId);
     if (requestKey.isEmpty())
         return;
     browser->addLocalResourceCache(
-        {{requestKey, [manager = weak_from_this(), requestKey, kind, connId](const Callback& callback) {
+        {{urlOf(kind, fileId, officeType),
+          [manager = weak_from_this(), requestKey, kind, connId](const Callback& callback) {
               return handleReply(manager, requestKey, kind, connId, callback);
           }}});
+}
+
+void NDOPResourceManager::unregisterRequestHandler(const QString& kind, const QString& fileId,
+                                                   const QString& officeType,
+                                                   NHelioBrowserWidgetBase* browser)
+{
+    const QString url = urlOf(kind, fileId, officeType);
+    if (browser && !url.isEmpty())
+        browser->removeLocalResourceCache({{url, QString()}});
 }
 
 } // namespace NDocsOfflinePage

@@ -224,20 +224,36 @@ void NDOPResourceManager::readResponseData(const QString& requestKey, unsigned t
     timer->start();
 }
 
-QString NDOPResourceManager::keyOf(const QString& kind, const QString& fileId, const QString& officeType)
+QString NDOPResourceManager::urlOf(const QString& kind, const QString& fileId, const QString& officeType)
 {
+    if (fileId.isEmpty() || officeType.isEmpty())
+        return {};
     return nresourcerequests::requestKey(ndomains::origin(QStringLiteral("quill_api")), kind, fileId,
                                          NDOPConfig::instance().packageName(officeType));
 }
 
-void NDOPResourceManager::setResponseData(const QString& kind, const QString& fileId,
-                                          const QString& officeType, const NDOPResponseData& data)
+QString NDOPResourceManager::keyOf(const QString& kind, const QString& fileId, const QString& officeType,
+                                   const QString& connId)
 {
-    if (fileId.isEmpty() || officeType.isEmpty())
-        return;
-    const QString requestKey = keyOf(kind, fileId, officeType);
+    const QString url = urlOf(kind, fileId, officeType);
+    return url.isEmpty() || connId.isEmpty() ? QString() : connId + QLatin1Char(' ') + url;
+}
+
+void NDOPResourceManager::setResponseData(const QString& kind, const QString& fileId,
+                                          const QString& officeType, const QString& connId,
+                                          const NDOPResponseData& data)
+{
+    const QString requestKey = keyOf(kind, fileId, officeType, connId);
     if (!requestKey.isEmpty())
         setResponse(requestKey, data);
+}
+
+std::optional<NDOPResponseData> NDOPResourceManager::responseData(const QString& kind, const QString& fileId,
+                                                                  const QString& officeType,
+                                                                  const QString& connId) const
+{
+    const auto found = m_responses.constFind(keyOf(kind, fileId, officeType, connId));
+    return found == m_responses.constEnd() ? std::nullopt : std::make_optional(*found);
 }
 
 void NDOPResourceManager::setResponse(const QString& requestKey, const NDOPResponseData& data)
@@ -270,14 +286,21 @@ void NDOPResourceManager::onResponseDataTimeout()
         setResponse(requestKey, {});
 }
 
-void NDOPResourceManager::clearRequest(const QString& kind, const QString& fileId, const QString& officeType)
+void NDOPResourceManager::clearRequest(const QString& kind, const QString& fileId, const QString& officeType,
+                                       const QString& connId)
 {
-    if (fileId.isEmpty() || officeType.isEmpty())
+    const QString requestKey = keyOf(kind, fileId, officeType, connId);
+    if (requestKey.isEmpty())
         return;
-    const QString requestKey = keyOf(kind, fileId, officeType);
     m_responses.remove(requestKey);
     m_waiting.remove(requestKey);
     dropTimer(requestKey);
+}
+
+NDOPResourceManager::Counts NDOPResourceManager::counts() const
+{
+    const std::lock_guard<std::mutex> lock(m_lock);
+    return {m_injectRecords.size(), m_responses.size(), m_waiting.size()};
 }
 
 // Injection.
@@ -342,6 +365,23 @@ void NDOPResourceManager::setInjectPackagePaths(const QString& injectId, const Q
 {
     changeInjectRecord(injectId,
                        [&](NDOPInjectHtml& record) { record.setPackagePaths(syncPath, cachePath); });
+}
+
+void NDOPResourceManager::copyInjectLocalData(const QString& fromInjectId, const QString& toInjectId)
+{
+    const std::lock_guard<std::mutex> lock(m_lock);
+    const auto from = m_injectRecords.constFind(fromInjectId);
+    const auto to = m_injectRecords.find(toInjectId);
+    if (from != m_injectRecords.constEnd() && to != m_injectRecords.end())
+        to->copyLocalData(*from);
+}
+
+bool NDOPResourceManager::isPageOfRecord(const QString& injectId, const QString& requestUrl) const
+{
+    const std::lock_guard<std::mutex> lock(m_lock);
+    const auto record = m_injectRecords.constFind(injectId);
+    return record == m_injectRecords.constEnd() || record->url().isEmpty() ||
+           nresourcerequests::isSameDocument(QUrl(record->url()), QUrl(requestUrl));
 }
 
 QString NDOPResourceManager::injectScriptFor(const QString& injectId, const QString& officeType,

@@ -57,11 +57,20 @@ public:
     /** `kind` is a reply name: "open_file", "get_env_config" or "get_ssr_content". */
     void registerRequestHandler(const QString& kind, const QString& fileId, const QString& officeType,
                                 const QString& connId, NHelioBrowserWidgetBase* browser);
+    void unregisterRequestHandler(const QString& kind, const QString& fileId, const QString& officeType,
+                                  NHelioBrowserWidgetBase* browser);
+
+    // The replies that a run fetched in advance. The run is named by its connection id, so that no other run,
+    // and no other page, is ever given its replies.
     /** Forgets the reply; a request that waits for it is let go without an answer. */
-    void clearRequest(const QString& kind, const QString& fileId, const QString& officeType);
-    /** Keeps the reply for the browser, in the place of an earlier one, and answers a request that waits. */
+    void clearRequest(const QString& kind, const QString& fileId, const QString& officeType,
+                      const QString& connId);
+    /** Keeps the reply, in the place of an earlier one, and answers a request that waits. */
     void setResponseData(const QString& kind, const QString& fileId, const QString& officeType,
-                         const NDOPResponseData& data);
+                         const QString& connId, const NDOPResponseData& data);
+    /** The reply; none before it came. */
+    std::optional<NDOPResponseData> responseData(const QString& kind, const QString& fileId,
+                                                 const QString& officeType, const QString& connId) const;
 
     // The data injected into a page, by injection id. Setters change nothing without a record.
     void createInjectRecord(const QString& injectId);
@@ -70,11 +79,23 @@ public:
     void setInjectUrl(const QString& injectId, const QString& url);
     void setInjectFileInfo(const QString& injectId, const QByteArray& fileInfo);
     void setInjectPackagePaths(const QString& injectId, const QString& syncPath, const QString& cachePath);
+    /** Gives a record what another one knows of the document's local package. */
+    void copyInjectLocalData(const QString& fromInjectId, const QString& toInjectId);
+    /** Whether a request for a page is for the document of the record; true without a record. Any thread. */
+    bool isPageOfRecord(const QString& injectId, const QString& requestUrl) const;
     /** The script that injects the server's data; empty when there is no record. */
     QString injectScriptFor(const QString& injectId, const QString& officeType, const QVariant& list) const;
 
     /** Whether packages are served from memory. Any thread. */
     bool isPreloadingOn() const { return m_isPreloadingOn; }
+    /** How many injection records, replies and waiting requests there are. */
+    struct Counts
+    {
+        int injectRecords = 0;
+        int replies = 0;
+        int waiting = 0;
+    };
+    Counts counts() const;
     /**
      * The bytes of a file below `directory` from memory, else from the disk and kept; none for one of more
      * than `largest`. Any thread.
@@ -103,7 +124,9 @@ public Q_SLOTS:
 private:
     NDOPResourceManager();
 
-    static QString keyOf(const QString& kind, const QString& fileId, const QString& officeType);
+    static QString urlOf(const QString& kind, const QString& fileId, const QString& officeType);
+    static QString keyOf(const QString& kind, const QString& fileId, const QString& officeType,
+                         const QString& connId);
     void refreshPreloading();
     bool mayPreload();
     void preload(const QString& packageRoot, const QString& officeType);

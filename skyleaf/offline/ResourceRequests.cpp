@@ -1,6 +1,7 @@
 #include "offline/ResourceRequests.h"
 
-#include <QUrl>
+#include <QByteArrayList>
+#include <QMap>
 #include <QUrlQuery>
 
 namespace nresourcerequests {
@@ -14,6 +15,24 @@ bool isSame(const QString& text, const QString& other)
 bool isOpenFile(const QString& kind)
 {
     return isSame(kind, QStringLiteral("open_file"));
+}
+
+/** The last segment of a document's path; empty for any other path. */
+QString fileIdOf(const QUrl& url)
+{
+    const QString path = url.path();
+    const bool isDocument = path.startsWith(QLatin1String("/p/")) || path.startsWith(QLatin1String("/l/"));
+    return isDocument ? path.section(QLatin1Char('/'), -1) : QString();
+}
+
+/** Several headers of one name are the lines of one value, which the browser's side writes one by one. */
+void addHeaders(QVariantMap& map, const QList<QPair<QByteArray, QByteArray>>& headers)
+{
+    QMap<QString, QByteArrayList> lines;
+    for (const auto& [name, value] : headers)
+        lines[QString::fromUtf8(name)] << value;
+    for (auto header = lines.begin(); header != lines.end(); ++header)
+        map.insert(header.key(), header->join('\n'));
 }
 
 } // namespace
@@ -51,10 +70,19 @@ std::optional<ReplyRequest> parseReplyRequest(const QString& url, const QString&
 
 QVariantMap answer(const NDocsOfflinePage::NDOPResponseData& response)
 {
+    constexpr int statusOk = 200;
+    const bool isGood = response.status == statusOk;
     QVariantMap headers{{QStringLiteral("x-client-proxy"), QStringLiteral("true")}};
-    for (const auto& [name, value] : response.headers)
-        headers.insert(QString::fromUtf8(name), value);
-    return {{QStringLiteral("headerMap"), headers}, {QStringLiteral("resourceData"), response.body}};
+    if (isGood)
+        addHeaders(headers, response.headers);
+    return {{QStringLiteral("headerMap"), headers},
+            {QStringLiteral("resourceData"), isGood ? response.body : QByteArray()}};
+}
+
+bool isSameDocument(const QUrl& url, const QUrl& other)
+{
+    const QString fileId = fileIdOf(url);
+    return fileId.isEmpty() ? url.path() == other.path() : fileId == fileIdOf(other);
 }
 
 QStringList pagePrefixes(const QString& origin)

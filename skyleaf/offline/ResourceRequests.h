@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 #include <QVariantMap>
 
 #include <optional>
@@ -27,8 +28,11 @@ struct ReplyRequest
 std::optional<ReplyRequest> parseReplyRequest(const QString& url, const QString& kind,
                                               const QString& boundConnId);
 
-/** What a callback gets. */
+/** What a callback gets: nothing but the mark of a local answer unless the reply came with status 200. */
 QVariantMap answer(const NDocsOfflinePage::NDOPResponseData& response);
+
+/** Whether both URLs name the same document or, where one names none, the same path. */
+bool isSameDocument(const QUrl& url, const QUrl& other);
 
 /** The beginnings of page URLs. */
 QStringList pagePrefixes(const QString& origin);

@@ -21,6 +21,8 @@
 #include <QMimeData>
 #include <QUrlQuery>
 
+#include <utility>
+
 namespace {
 
 constexpr int chromiumBrowserType = 2;
@@ -70,7 +72,8 @@ NHelioCloudDocsPage::NHelioCloudDocsPage(QWidget* parent, bool createBrowser, bo
     : NHelioBrowserPageRoot(parent)
     , m_proxyManager(std::make_unique<NCloudDocsPageProxyManager>())
 {
-    m_sinceConstruction.start();
+    m_load = makeLoad(LoadReason::Told);
+    m_telemetry.start();
     qRegisterMetaType<bool>("bool&");
     setAcceptDrops(true);
     connect(browserCreator(), &NHelioBrowserCreator::createSucceeded, this,
@@ -90,12 +93,40 @@ NHelioCloudDocsPage::~NHelioCloudDocsPage()
 {
     if (NHelioApplication* application = NHelioApplication::instance())
         application->uninstallPluginTranslation(moduleName(), {moduleName()});
-    m_proxyManager->removeProxies();
+    m_load->end();
     offerContainerBack();
-    m_vcsTimeoutTimer.reset();
-    m_delayLoadTimer.reset();
-    m_proxyManager.reset();
-    m_requestTask.reset();
+}
+
+NHelioCloudDocsPage::LoadPtr NHelioCloudDocsPage::makeLoad(LoadReason reason)
+{
+    LoadPtr load(new NDocumentLoad(*this, reason, this));
+    connect(load.get(), &NDocumentLoad::officeTypeChanged, this, &NHelioCloudDocsPage::onOfficeTypeChanged);
+    connect(load.get(), &NDocumentLoad::replyCame, this, &NHelioCloudDocsPage::onReplyCame);
+    connect(load.get(), &NDocumentLoad::cookiesCame, this, &NHelioCloudDocsPage::onAppendResponseCookies);
+    return load;
+}
+
+void NHelioCloudDocsPage::replaceLoad(
+    LoadReason reason, const std::function<void(NDocumentLoad& load, const NDocumentLoad& earlier)>& fill)
+{
+    if (m_takeOver.isUsed()) {
+        m_takeOver.end();
+        updateUserAgent();
+    }
+    const LoadPtr earlier = std::exchange(m_load, makeLoad(reason));
+    fill(*m_load, *earlier);
+    earlier->end();
+    onOfficeTypeChanged(m_load->officeType());
+}
+
+bool NHelioCloudDocsPage::tell(const QString& url, LoadReason reason)
+{
+    const QString before = m_load->url();
+    if (m_load->takes(url))
+        m_load->take(url);
+    else
+        replaceLoad(reason, [&url](NDocumentLoad& load, const NDocumentLoad&) { load.take(url); });
+    return m_load->url() != before;
 }
 
 void NHelioCloudDocsPage::fillCreateInfo()
@@ -109,15 +140,32 @@ void NHelioCloudDocsPage::fillCreateInfo()
 void NHelioCloudDocsPage::createOrTakeBrowser(bool tryPreloadBrowser)
 {
     if (tryPreloadBrowser) {
-        m_initByPreloadBrowser = NCefPreloadClient::instance().createBrowser(
-            NCefPreloadClient::containerName(), this, browserCreator(), m_createInfo);
+        m_takeOver.setPrepared(NCefPreloadClient::instance().createBrowser(
+            NCefPreloadClient::containerName(), this, browserCreator(), m_createInfo));
     }
-    if (!m_initByPreloadBrowser)
+    if (!m_takeOver.isPrepared())
         CreateHelioBrowserWidget(this, browserCreator(), chromiumBrowserType, browserId(), browserName(), 0);
     ndocslog::info(QStringLiteral("bTryToUsePreloadBrowser: %1, initByPreloadBrowser: %2")
                        .arg(int(tryPreloadBrowser))
-                       .arg(int(m_initByPreloadBrowser)),
+                       .arg(int(m_takeOver.isPrepared())),
                    "NHelioCloudDocsPage::NHelioCloudDocsPage");
+}
+
+void NHelioCloudDocsPage::offerContainerBack()
+{
+    if (!m_takeOver.isPrepared() || !m_browser || !mainWindow())
+        return;
+    NxWebViewContainer* container = m_browser->webViewContainer();
+    if (!container)
+        return;
+    container->setWebViewParent(this);
+    if (!NCefPreloadClient::instance().recoverContainer(NCefPreloadClient::containerName(), container))
+        container->destroyLater();
+}
+
+bool NHelioCloudDocsPage::hasBrowser() const
+{
+    return m_browser && browserCreator()->isCreateSucceeded();
 }
 
 int NHelioCloudDocsPage::widgetType() const
@@ -128,21 +176,21 @@ int NHelioCloudDocsPage::widgetType() const
 void NHelioCloudDocsPage::_preInit(const QJsonObject& params)
 {
     constexpr auto operation = "NHelioCloudDocsPage::_preInit";
-    if (m_preInitEntry.isEmpty()) {
-        m_preInitEntry = params.value(QLatin1String("entry")).toString();
+    if (m_preCreation.entry.isEmpty()) {
+        m_preCreation.entry = params.value(QLatin1String("entry")).toString();
         ndocslog::info(QStringLiteral("to preinit, m_preInitEntry: %1 %2")
-                           .arg(m_preInitEntry, QString::number(reinterpret_cast<quintptr>(this))),
+                           .arg(m_preCreation.entry, QString::number(reinterpret_cast<quintptr>(this))),
                        operation);
-        postPrecreateEvent(true);
+        m_telemetry.postPrecreate(true, stage(), *m_load);
     }
-    m_preInitCalled = true;
+    m_preCreation.isAsked = true;
 
     const QString fileId = params.value(QLatin1String("fileId")).toString();
     if (!fileId.isEmpty())
         preInitDocument(fileId, params);
 
     if (m_browser) {
-        if (!m_preInited) {
+        if (!m_preCreation.isDone) {
             m_browser->setStartupUrl(QStringLiteral("about:blank"));
             m_browser->setProperty("skipLoadingWidgetInjection", true);
         }
@@ -150,7 +198,7 @@ void NHelioCloudDocsPage::_preInit(const QJsonObject& params)
         m_browser->initWebView();
         ndocslog::info(QStringLiteral("init browser"), operation);
     }
-    m_preInited = true;
+    m_preCreation.isDone = true;
     m_unusedPageTimer.start(nconfigvalues::unusedPageLifetimeMs());
 }
 
@@ -160,7 +208,6 @@ void NHelioCloudDocsPage::preInitDocument(const QString& fileId, const QJsonObje
     setProperty("fileName", fileName);
     const auto& config = NDocsOfflinePage::NDOPConfig::instance();
     const QString officeType = config.officeTypeCode(QFileInfo(fileName).suffix());
-    const bool clientProxy = config.isDopEnabled(officeType);
 
     QUrl url(ndomains::url(QStringLiteral("quill_api_spec")));
     url.setPath(QStringLiteral("/p/") + fileId);
@@ -171,83 +218,85 @@ void NHelioCloudDocsPage::preInitDocument(const QString& fileId, const QJsonObje
     docsurl::replaceQueryItem(url, QStringLiteral("title"), fileName);
     docsurl::replaceQueryItem(url, QStringLiteral("officeType"), officeType);
     docsurl::replaceQueryItem(url, QStringLiteral("client_proxy"),
-                              clientProxy ? QStringLiteral("true") : QStringLiteral("false"));
-
-    m_officeType = officeType;
-    if (!m_networkRequestStarted) {
-        m_notify_URL = url.toString(QUrl::FullyEncoded);
-        ndocslog::info(QStringLiteral("m_notify_URL: %1").arg(m_notify_URL), "NHelioCloudDocsPage::_preInit");
-    }
-    if (clientProxy)
-        _startNetworkRequest();
+                              config.isDopEnabled(officeType) ? QStringLiteral("true")
+                                                              : QStringLiteral("false"));
+    const QString text = url.toString(QUrl::FullyEncoded);
+    const auto fill = [&](NDocumentLoad& load, const NDocumentLoad&) {
+        load.takeAhead(text, fileId, officeType);
+    };
+    if (m_load->url().isEmpty() || m_load->fileId() == fileId)
+        fill(*m_load, *m_load);
+    else
+        replaceLoad(LoadReason::MadeAhead, fill);
     setProperty("precreated_page_id", fileId);
 }
 
 void NHelioCloudDocsPage::load()
 {
-    if (m_loaded)
+    if (m_stage == Stage::AwaitBrowser || m_stage == Stage::Loaded)
         return;
-    m_loaded = true;
-    m_loadCalled = true;
+    const bool isReturn = m_stage == Stage::Released;
+    const bool isBrowserThere = browserCreator()->isCreateSucceeded();
+    m_stage = isBrowserThere ? Stage::Loaded : Stage::AwaitBrowser;
     setProperty("is_unuse_precreated", false);
     ndocslog::info(QStringLiteral("m_preInited: %1, currentMSecsSinceEpoch: %2")
-                       .arg(int(m_preInited))
+                       .arg(int(m_preCreation.isDone))
                        .arg(nclock::nowMs()),
                    "NHelioCloudDocsPage::load");
-    if (m_preInited)
-        postPrecreateEvent(false);
-    m_loadStartMs = nclock::nowMs();
+    if (m_preCreation.isDone)
+        m_telemetry.postPrecreate(false, stage(), *m_load);
+    m_telemetry.setLoadStart(nclock::nowMs());
 
-    if (browserCreator()->isCreateSucceeded()) {
-        m_steps.record(QStringLiteral("init_self_load"), m_sinceConstruction);
+    if (isBrowserThere) {
+        m_telemetry.record(QStringLiteral("init_self_load"));
+        if (isReturn)
+            comeBack();
         initSelf();
     } else {
-        m_steps.record(QStringLiteral("notify_later_load"), m_sinceConstruction);
-        m_pendingInitSelf = true;
+        m_telemetry.record(QStringLiteral("notify_later_load"));
     }
-    postOpenStep(QStringLiteral("load"), m_browser ? m_browser->currentUrl() : QString());
+    m_telemetry.postStep(QStringLiteral("load"), stage(), *m_load, browserUrl());
+}
+
+/** What the page shows is made new before its web view is, which asks for it at once. */
+void NHelioCloudDocsPage::comeBack()
+{
+    m_telemetry.postMemoryRelease(QStringLiteral("restart"), *m_load);
+    if (m_load->state() != LoadState::Resting) // told something else meanwhile
+        return;
+    replaceLoad(LoadReason::Return, [this](NDocumentLoad& load, const NDocumentLoad& earlier) {
+        load.comeBack(earlier, m_telemetry.loadStartMs());
+    });
+    m_browser->setStartupUrl(m_load->url());
 }
 
 void NHelioCloudDocsPage::initSelf()
 {
     if (!m_browser)
         return;
-    const NTimedStep timed(m_steps, QStringLiteral("initself"));
+    const NTimedStep timed = m_telemetry.timedStep(QStringLiteral("initself"));
     applyRecoverItem();
     ndocslog::info(QStringLiteral("initByPreloadBrowser: %1, init self url %2")
-                       .arg(QString::number(int(m_initByPreloadBrowser)), m_notify_URL),
+                       .arg(QString::number(int(m_takeOver.isPrepared())), m_load->url()),
                    "NHelioCloudDocsPage::initSelf");
     m_browser->setProperty("webViewType", QStringLiteral("webkitWebView"));
-    if (!m_jsObj) {
-        if (isReleased())
-            postMemoryRelease(QStringLiteral("restart"));
-        m_released = false;
+    // Else the start page would be shown while the document waits.
+    if (m_load->isHeldBack())
+        m_browser->setEnableStartupUrl(false);
+    if (!m_jsObj)
         m_browser->initWebView();
-    }
-    if (m_reloadAfterDiscard)
-        prepareReload();
     const QString fileName = property("fileName").toString();
-    if (m_initByPreloadBrowser && !fileName.isEmpty())
+    if (m_takeOver.isPrepared() && !fileName.isEmpty())
         QMetaObject::invokeMethod(m_browser, "onShowWebLoadingWidget", Q_ARG(QString, fileName));
 
-    if (!m_waitingForVcs) {
-        if (nconfigvalues::isDelayedLoadOn()) {
-            _delayLoadUrl();
-        } else {
-            initDocsLocalResource();
-            showUrl();
-        }
-    }
-    // Else the start page would be shown while the document waits.
-    if (isLoadHeldBack())
+    m_load->showForLoad();
+    if (m_load->isHeldBack())
         m_browser->setEnableStartupUrl(false);
 
     const NHelioApplication* application = NHelioApplication::instance();
     const NHelioCloudCollectInfoMgr* collector =
         application ? application->getCloudCollectInfoMgr() : nullptr;
-    const qint64 openStart = collector ? collector->openStartTime() : 0;
-    if (openStart > 0)
-        m_openTimePoints << openStart << nclock::monotonicNs();
+    m_telemetry.noteOpenStart(collector ? collector->openStartTime() : 0);
 }
 
 void NHelioCloudDocsPage::applyRecoverItem()
@@ -255,7 +304,7 @@ void NHelioCloudDocsPage::applyRecoverItem()
     if (!m_recoverContext.recover || m_recoverContext.items.isEmpty())
         return;
     const NHelioWorkAreaRecoverItem item = m_recoverContext.items.first();
-    QString url = item.params.value(QStringLiteral("url"), m_notify_URL).toString();
+    QString url = item.params.value(QStringLiteral("url"), m_load->url()).toString();
     url = docsurl::withQueryItem(url, QStringLiteral("startTime"), QString::number(nclock::nowMs()));
     url = docsurl::withQueryItem(
         url, QStringLiteral("from"),
@@ -266,54 +315,12 @@ void NHelioCloudDocsPage::applyRecoverItem()
     m_toolBarVisible = item.params.value(QStringLiteral("toolBarVisible")).toBool();
     m_browser->setToolbarVisible(m_toolBarVisible);
     m_recoverContext.items.clear();
-    normalizeUrl(url);
-}
-
-void NHelioCloudDocsPage::prepareReload()
-{
-    m_reloadAfterDiscard = false;
-    QUrl url(m_notify_URL);
-    if (url.isValid()) {
-        docsurl::replaceQueryItem(url, QStringLiteral("from"), QStringLiteral("discard-page-reload"));
-        docsurl::replaceQueryItem(url, QStringLiteral("startTime"), QString::number(m_loadStartMs));
-        docsurl::removeQueryItems(url, {QStringLiteral("traceId"), QStringLiteral("feature"),
-                                        QStringLiteral("entryType"), QStringLiteral("interruptUseTime"),
-                                        QStringLiteral("prepareUrlTime")});
-        m_notify_URL = url.toString(QUrl::FullyEncoded);
-    }
-    m_traceId.clear();
-    m_preloadFrameworkChecked = true;
-    m_preloadFrameworkUsed = false;
-    m_webFileReady = false;
-    m_loadFinished = false;
-    normalizeUrl(m_notify_URL);
-    m_browser->setStartupUrl(m_notify_URL);
-}
-
-void NHelioCloudDocsPage::showUrl()
-{
-    m_browser->setStartupUrl(m_notify_URL);
-    _loadUrl();
-}
-
-void NHelioCloudDocsPage::_loadUrl()
-{
-    if (m_initByPreloadBrowser) {
-        NxWebViewContainer* container = m_browser->webViewContainer();
-        if (!container || _checkPreloadDocFramework(container))
-            return;
-    }
-    m_browser->setEnableStartupUrl(true);
-    if (m_notify_URL.isEmpty() || m_browser->currentUrl().compare(m_notify_URL, Qt::CaseInsensitive) == 0)
-        return;
-    m_browser->setProperty("skipLoadingWidgetInjection", false);
-    QMetaObject::invokeMethod(m_browser, "injectLoadingWidgetFlag");
-    m_browser->load(QUrl(m_notify_URL));
+    tell(url, LoadReason::Recovery);
 }
 
 bool NHelioCloudDocsPage::isDiscardable() const
 {
-    if (!m_browser || !browserCreator()->isCreateSucceeded() || !m_browser->isDiscardable())
+    if (!hasBrowser() || !m_browser->isDiscardable())
         return false;
     const auto& config = NDocsOfflinePage::NDOPConfig::instance();
     const QString officeType = config.officeTypeCode(fileSuffix());
@@ -327,40 +334,27 @@ bool NHelioCloudDocsPage::isDiscardable() const
         return false;
     const QDateTime now = nclock::now();
     return m_lastActiveTime.secsTo(now) >= m_discardSeconds &&
-           (now.toMSecsSinceEpoch() - m_loadStartMs) / 1000 >= m_discardSeconds;
+           (now.toMSecsSinceEpoch() - m_telemetry.loadStartMs()) / 1000 >= m_discardSeconds;
 }
 
 void NHelioCloudDocsPage::releasePage()
 {
     if (!m_browser)
         return;
-    noteShownUrl();
+    m_load->rest();
     m_browser->releaseWebView();
     m_jsObj = nullptr;
-    m_loaded = false;
-    m_loadFinished = false;
-    m_released = true;
-    postMemoryRelease(QStringLiteral("release"));
-    m_initByPreloadBrowser = false;
-    m_reloadAfterDiscard = true;
+    m_stage = Stage::Released;
+    m_telemetry.postMemoryRelease(QStringLiteral("release"), *m_load);
+    m_takeOver.end();
+    m_takeOver.setPrepared(false);
     if (NHelioSubPage* subPage = initialSubPage())
         subPage->refreshIcon();
 }
 
-/** A page of the service that has led elsewhere, as that for a new document does, comes back to where it led.
- */
-void NHelioCloudDocsPage::noteShownUrl()
-{
-    const QString shown = getCurrentUrl();
-    if (m_reloadUrl.isEmpty() || shown != m_reloadUrl ||
-        docsurl::withoutOpenTimeItems(shown) == docsurl::withoutOpenTimeItems(m_notify_URL))
-        return;
-    m_notify_URL = shown;
-}
-
 bool NHelioCloudDocsPage::isReleased() const
 {
-    return m_released;
+    return m_stage == Stage::Released;
 }
 
 bool NHelioCloudDocsPage::recoverFiles(const QList<NHelioWorkAreaRecoverItem>& items, int strategy,
@@ -402,7 +396,7 @@ QString NHelioCloudDocsPage::pageTitle() const
     const QString baseName = QFileInfo(property("fileName").toString()).completeBaseName();
     if (!baseName.isEmpty())
         return baseName;
-    if (m_browser && browserCreator()->isCreateSucceeded() && !m_browser->title().isEmpty())
+    if (hasBrowser() && !m_browser->title().isEmpty())
         return m_browser->title();
     return tr("VLT Docs");
 }
@@ -428,7 +422,7 @@ void NHelioCloudDocsPage::dropEvent(QDropEvent* event)
 
 void NHelioCloudDocsPage::onCleanTimeout()
 {
-    if (m_loadCalled || isVisible())
+    if (m_stage != Stage::Made || isVisible())
         return;
     const NHelioApplication* application = NHelioApplication::instance();
     NHelioMainWindow* window =
@@ -436,15 +430,15 @@ void NHelioCloudDocsPage::onCleanTimeout()
     NHelioCentralArea* centralArea = window ? window->centralArea() : nullptr;
     if (!centralArea)
         return;
-    postPrecreateEvent(false);
+    m_telemetry.postPrecreate(false, stage(), *m_load);
     centralArea->removePage(this);
     deleteLater();
 }
 
 void NHelioCloudDocsPage::onAboutToQuit()
 {
-    if (m_initByPreloadBrowser && m_browser)
-        m_initByPreloadBrowser = false;
+    if (m_browser)
+        m_takeOver.setPrepared(false);
 }
 
 void NHelioCloudDocsPage::onClose()
@@ -473,5 +467,26 @@ NHelioMainWindow* NHelioCloudDocsPage::mainWindow() const
 
 QString NHelioCloudDocsPage::fileSuffix() const
 {
-    return suffixOfName(m_webFileInfo.value(QStringLiteral("fileName")));
+    return suffixOfName(m_load->webFileInfo().value(QStringLiteral("fileName")));
+}
+
+QString NHelioCloudDocsPage::fileNameSuffix() const
+{
+    return QFileInfo(property("fileName").toString()).suffix();
+}
+
+QString NHelioCloudDocsPage::pageSuffix() const
+{
+    return property("suffix").toString();
+}
+
+NOpenTelemetry::PageStage NHelioCloudDocsPage::stage() const
+{
+    const bool isLoaded = m_stage == Stage::Loaded || m_stage == Stage::AwaitBrowser;
+    return {m_preCreation.entry, m_preCreation.isDone, isLoaded, m_stage != Stage::Made};
+}
+
+QString NHelioCloudDocsPage::browserUrl() const
+{
+    return m_browser ? m_browser->currentUrl() : QString();
 }

@@ -3,20 +3,20 @@
 #include "nheliostat/NHelioBrowserPageRoot.h"
 #include "offline/IPreloadedReplies.h"
 #include "offline/IStorageTransferHost.h"
+#include "page/NDocumentLoad.h"
 #include "page/NHelioQuillHyperlinkPageFactory.h"
-#include "page/NOpenSteps.h"
+#include "page/NOpenTelemetry.h"
+#include "page/NPageCookies.h"
+#include "page/NTakeOver.h"
 #include "proxy/NCloudDocsPageProxyManager.h"
 #include "server/NCloudDocsRequestTask.h"
 
 #include <QDateTime>
-#include <QElapsedTimer>
 #include <QJsonObject>
-#include <QMap>
 #include <QNetworkCookie>
-#include <QPointer>
 #include <QTimer>
-#include <QVector>
 
+#include <functional>
 #include <memory>
 
 class NHelioBrowserWidgetBase;
@@ -26,16 +26,28 @@ class NHelioMainWindow;
 class NxWebViewContainer;
 class NxWebViewFrame;
 
+/** A load that is replaced gives everything up at once, and goes when nobody can be inside it any more. */
+struct EndDocumentLoad
+{
+    void operator()(NDocumentLoad* load) const
+    {
+        load->end();
+        load->deleteLater();
+    }
+};
+
 /**
  * The shell page that shows the documents web application.
  *
  * The shell constructs it, asks it for its sub page, notifies it with what to show, and loads it; later it
- * may release the inactive page and load it again. User-interface thread. Owned by the central area; owns its
- * bridge's life only through the browser widget, which is its child.
+ * may release the inactive page and load it again. What it shows is its load (NDocumentLoad), which every new
+ * thing to show replaces. User-interface thread. Owned by the central area; owns its bridge's life only
+ * through the browser widget, which is its child.
  */
 class NHelioCloudDocsPage : public NHelioBrowserPageRoot,
                             public IStorageTransferHost,
-                            public IPreloadedReplies
+                            public IPreloadedReplies,
+                            private IDocumentLoadHost
 {
     Q_OBJECT
 public:
@@ -99,7 +111,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
     void setPageTitle(const QString& title) { m_title = title; }
     /** Whether the page was told to show something. */
-    bool isInUse() const { return m_loadCalled || !m_notify_URL.isEmpty(); }
+    bool isInUse() const { return m_stage != Stage::Made || !m_load->url().isEmpty(); }
 
 private Q_SLOTS:
     // The browser and its web view.
@@ -130,27 +142,51 @@ private Q_SLOTS:
     void onCloseBrowserPage(const QString& url);
     void onAppendResponseCookies(const QList<QNetworkCookie>& cookies);
     void slot_beforeBrowser(bool& handled, const QString& url);
-    // The server's answers.
-    void onRequestTaskFinished(const NCloudDocsRequestTaskResult& result);
-    void onStartedPreRequest();
-    void onDelayLoadUrl();
-    void onVcsResponseTimeout();
+    void onOfficeTypeChanged(const QString& officeType);
+    void onReplyCame(const QString& name, const QByteArray& body, qint64 startMs, qint64 endMs);
     // The page's own timers and its end.
     void onCleanTimeout();
     void onAboutToQuit();
 
 private:
+    // What the load asks of the page.
+    NHelioBrowserWidgetBase* loadBrowser() const override { return m_browser; }
+    NCloudDocsPageProxyManager& loadProxies() override { return *m_proxyManager; }
+    NTakeOver& loadTakeOver() override { return m_takeOver; }
+    NOpenTelemetry& loadTelemetry() override { return m_telemetry; }
+    QString fileNameSuffix() const override;
+    QString pageSuffix() const override;
+    void updateUserAgent() override;
+
     // Life cycle.
+    enum class Stage {
+        Made,         //!< never asked to load
+        AwaitBrowser, //!< to be loaded as soon as the browser exists
+        Loaded,
+        Released,
+    };
+    struct PreCreation
+    {
+        bool isAsked = false; //!< a document was announced
+        bool isDone = false;
+        QString entry;
+    };
+    using LoadPtr = std::unique_ptr<NDocumentLoad, EndDocumentLoad>;
+    LoadPtr makeLoad(LoadReason reason);
+    /** Ends the present load; `fill` tells the new one what it is, with the earlier one still at hand. */
+    void replaceLoad(LoadReason reason,
+                     const std::function<void(NDocumentLoad& load, const NDocumentLoad& earlier)>& fill);
+    /** Whether the URL differs from what the page was told before. */
+    bool tell(const QString& url, LoadReason reason);
     void fillCreateInfo();
     void createOrTakeBrowser(bool tryPreloadBrowser);
+    void offerContainerBack();
     void _preInit(const QJsonObject& params);
     void preInitDocument(const QString& fileId, const QJsonObject& params);
     void initSelf();
-    void noteShownUrl();
-    void prepareReload();
+    void comeBack();
     void applyRecoverItem();
-    void _loadUrl();
-    void showUrl();
+    bool hasBrowser() const;
     NHelioMainWindow* mainWindow() const;
     QString fileSuffix() const;
 
@@ -159,8 +195,7 @@ private:
     bool handleToolBarCommand(const QString& text);
     bool handleJsonCommand(const QString& text);
     void handleUrlOrCommand(const QString& text);
-    QString commandUrlOf(const QString& text);
-    void normalizeUrl(const QString& url);
+    QString commandUrlOf(const QString& text) const;
     void openFoundDocument(const struct OpenFilesParams& params, NHelioCentralArea* centralArea,
                            const QVariantMap& extra);
     void applyToolBarVisible();
@@ -172,108 +207,34 @@ private:
     void setBrowserPathsAndFlags();
     void addSupportedProtocols();
     void setUserAgent(NxWebViewContainer* container);
+    bool followBrowser(const QString& url);
     QString reloadUrlFor(const QString& reason) const;
-    void reloadOr(const QString& reason, const QUrl& fallback);
-    QString serviceStartPage();
+    void reload(LoadReason reason, const QString& reasonText, const QUrl& fallback);
+    QString serviceStartPage() const;
     void recordFileTypes(const QString& fileType, const QString& readyFileId);
-
-    // Front version and server requests.
-    void _startNetworkRequest();
-    void startRun();
-    void _waitStartedPreRequest();
-    void _startVcsRequest();
-    void ensureRequestTask();
-    void connectTaskToBridge();
-    NCloudDocsRequestTask& requestTaskForScript();
-    NDOPProxyInfo proxyInfo(const QString& frontVer = {}) const;
-    void initDocsLocalResource();
-    void _updateProxy(const QString& frontVer);
-    void _delayLoadUrl();
-    bool _isDelayLoadUrl() const;
-    bool isLoadHeldBack() const;
-    void keepResult(const NCloudDocsRequestTaskResult& result);
-    void endVcsWait();
-    void loadNormalized();
-    void _handleVcs(const NCloudDocsRequestTaskResult& result);
-    void _handleVcsWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result);
-    void _handleEnvConfig(const NCloudDocsRequestTaskResult& result);
-    void _handleEnvConfigWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result);
-    void _handleDelayLoadUrlAfterRequest(const QString& frontVer);
-    void _refreshOnLocalResourceResetFail();
-
-    // Preloaded browser.
-    bool _checkPreloadDocFramework(NxWebViewContainer* container);
-    QString preloadFrameworkMismatch(const NxWebViewContainer& container) const;
-    void _handlePreloadDocFrameworkWork();
-    void offerContainerBack();
-
-    // Cookies.
     void _updateCookies(bool force);
-    void _updateCookie(const QString& url);
-    void giveResponseCookies(NxWebViewContainer* container);
-
-    // Telemetry.
-    void postPrecreateEvent(bool init) const;
-    void postOpenStep(const QString& step, const QString& browserUrl, int errorCode = 0,
-                      const QString& errorMessage = {}) const;
-    void postOpenTime() const;
-    void postMemoryRelease(const QString& action) const;
-    void postPerformance();
+    NCloudDocsRequestTask& transfers();
+    NOpenTelemetry::PageStage stage() const;
+    QString browserUrl() const;
 
     NHelioCloudDocsAsynJsObj* m_jsObj = nullptr;
     NHelioBrowserWidgetBase* m_browser = nullptr;
     QStringList m_droppedFiles;
-    bool m_pendingInitSelf = false;
-    QString m_notify_URL;
-    bool m_loaded = false;
+    Stage m_stage = Stage::Made;
     bool m_toolBarVisible = false;
-    QString m_serviceOrigin;
     bool m_showToolBar = false;
-    QString m_reloadUrl;
     QString m_title;
     HelioBrowserPageRecoverContext m_recoverContext;
-    QMap<QString, QString> m_webFileInfo;
-    bool m_loadFinished = false;
-    bool m_networkRequestStarted = false;
-    bool m_released = false;
     int m_discardSeconds = 0;
-    QMap<QString, NPreloadedReply> m_requestResults;
-    QString m_requestResultsFileId; //!< whose results they are
-    QVector<qint64> m_openTimePoints;
-    QString m_pluginName;
-    QString m_officeType;
-    QString m_traceId;
-    QList<QNetworkCookie> m_responseCookies;
-    NOpenSteps m_steps;
-    QElapsedTimer m_sinceConstruction;
-    qint64 m_loadStartMs = 0;
-    QString m_injectId;
-    QString m_fileId;
-    QString m_connId;
-    NHelioQuillHyperlinkPageFactory m_hyperlinkFactory;
-    bool m_initByPreloadBrowser = false;
-    bool m_reloadAfterDiscard = false;
-    QString m_preloadTitle;
-    NHelioBrowserCreateInfo m_createInfo;
-    std::unique_ptr<NCloudDocsRequestTask> m_requestTask;
-    QElapsedTimer m_replyTimer;
-    QTimer m_unusedPageTimer;
     QDateTime m_lastActiveTime;
+    NHelioQuillHyperlinkPageFactory m_hyperlinkFactory;
+    NHelioBrowserCreateInfo m_createInfo;
+    PreCreation m_preCreation;
+    QTimer m_unusedPageTimer;
+    NOpenTelemetry m_telemetry;
+    NPageCookies m_cookies;
+    NTakeOver m_takeOver;
+    std::unique_ptr<NCloudDocsRequestTask> m_transfers; //!< of scripts; they outlive a load
     std::unique_ptr<NCloudDocsPageProxyManager> m_proxyManager;
-    bool m_preInited = false;
-    QString m_preInitEntry;
-    bool m_preInitCalled = false;
-    bool m_delayLoadFinished = false;
-    std::unique_ptr<QTimer> m_delayLoadTimer;
-    QString m_requestedFrontVer;
-    bool m_preloadFrameworkChecked = false;
-    bool m_preloadFrameworkUsed = false;
-    bool m_preloadFrameworkWorkDone = false;
-    bool m_vcsRequestStarted = false;
-    bool m_waitingForVcs = false;
-    std::unique_ptr<QTimer> m_vcsTimeoutTimer;
-    QElapsedTimer m_runTimer;
-    bool m_webFileReady = false;
-    bool m_localResetRefreshed = false;
-    bool m_loadCalled = false;
+    LoadPtr m_load; //!< never null
 };

@@ -49,7 +49,7 @@ QUrl errorPage(const QString& name)
 
 void NHelioCloudDocsPage::onCreateSucceeded(NHelioBrowserWidgetBase* browser)
 {
-    m_steps.record(QStringLiteral("create_succeeded"), m_sinceConstruction);
+    m_telemetry.record(QStringLiteral("create_succeeded"));
     m_browser = browser;
     m_proxyManager->setBrowser(browser);
     Q_EMIT sigBrowserCreateSucceeded(browser);
@@ -58,13 +58,13 @@ void NHelioCloudDocsPage::onCreateSucceeded(NHelioBrowserWidgetBase* browser)
     box->setContentsMargins(0, 0, 0, 0);
     box->addWidget(browser);
     applyToolBarVisible();
-    if (!m_preInited)
+    if (!m_preCreation.isDone)
         browser->setStartupUrl(serviceStartPage());
     wireBrowser();
     connectLoginChange();
     setBrowserPathsAndFlags();
-    if (m_pendingInitSelf) {
-        m_pendingInitSelf = false;
+    if (m_stage == Stage::AwaitBrowser) {
+        m_stage = Stage::Loaded;
         initSelf();
     }
 }
@@ -120,7 +120,7 @@ void NHelioCloudDocsPage::setBrowserPathsAndFlags()
 void NHelioCloudDocsPage::onBrowserCreated()
 {
     ndocslog::info(QStringLiteral("browser_created"), "NHelioCloudDocsPage::onBrowserCreated");
-    m_steps.record(QStringLiteral("browser_created"), m_sinceConstruction);
+    m_telemetry.record(QStringLiteral("browser_created"));
     if (!m_browser)
         return;
     if (nrt::product::getFuncSwitchState(QStringLiteral("cloudDocsContainerUnified"), false))
@@ -130,10 +130,7 @@ void NHelioCloudDocsPage::onBrowserCreated()
         connect(container, &NxWebViewContainer::beforeBrowser, this, &NHelioCloudDocsPage::slot_beforeBrowser,
                 static_cast<Qt::ConnectionType>(Qt::DirectConnection | Qt::UniqueConnection));
     }
-    if (m_openTimePoints.size() == 2)
-        m_openTimePoints.append(nclock::monotonicNs());
-    else if (m_openTimePoints.size() == 3)
-        m_openTimePoints[2] = nclock::monotonicNs();
+    m_telemetry.noteBrowserCreated();
     addSupportedProtocols();
 }
 
@@ -152,24 +149,30 @@ void NHelioCloudDocsPage::addSupportedProtocols()
 void NHelioCloudDocsPage::onWebviewCreated(NxWebViewContainer* container)
 {
     ndocslog::info(QStringLiteral("webview has been created"), "NHelioCloudDocsPage::onWebviewCreated");
-    m_steps.record(QStringLiteral("webview_created"), m_sinceConstruction);
+    m_telemetry.record(QStringLiteral("webview_created"));
     if (!container)
         return;
     container->enableDragDrop(true);
-    if (m_initByPreloadBrowser)
-        m_preloadTitle = m_browser->title(); // of what was prepared, not of the document
+    if (m_takeOver.isPrepared())
+        m_takeOver.setPreparedTitle(m_browser->title()); // not of the document
     setUserAgent(container);
     connect(container, &NxWebViewContainer::loadError, this, &NHelioCloudDocsPage::onLoadError);
-    giveResponseCookies(container);
-    initDocsLocalResource();
+    m_cookies.giveReplyCookies(container, m_load->url());
+    m_load->onViewMade();
+}
+
+void NHelioCloudDocsPage::updateUserAgent()
+{
+    if (NxWebViewContainer* container = m_browser ? m_browser->webViewContainer() : nullptr)
+        setUserAgent(container);
 }
 
 void NHelioCloudDocsPage::setUserAgent(NxWebViewContainer* container)
 {
     QString userAgent = container->userAgent() + QStringLiteral(" VLTQuillHybrid/1.0");
-    if (m_preloadFrameworkUsed)
+    if (m_takeOver.isUsed())
         userAgent += QStringLiteral(" PreloadDocFramework");
-    else if (m_initByPreloadBrowser)
+    else if (m_takeOver.isPrepared())
         userAgent += QStringLiteral(" PreloadBrowser");
     container->setCustomHeaderHandler([value = userAgent.toUtf8()](QMap<QByteArray, QByteArray>& headers) {
         headers.insert(QByteArrayLiteral("User-Agent"), value);
@@ -178,18 +181,14 @@ void NHelioCloudDocsPage::setUserAgent(NxWebViewContainer* container)
 
 void NHelioCloudDocsPage::onCreatingApi(NxWebViewContainer* container, QObject** object)
 {
-    m_steps.record(QStringLiteral("creating_api"), m_sinceConstruction);
+    m_telemetry.record(QStringLiteral("creating_api"));
     m_jsObj = new NHelioCloudDocsAsynJsObj(container, container, m_browser);
     m_jsObj->setPage(this);
     *object = m_jsObj;
     wireBridge(container);
 
-    if (m_officeType.isEmpty())
-        _startVcsRequest();
-    else if (NDocsOfflinePage::NDOPConfig::instance().isDopEnabled(m_officeType))
-        _startNetworkRequest();
-    if (m_requestTask)
-        connectTaskToBridge();
+    m_load->startRequests();
+    m_jsObj->setOfficeType(m_load->officeType());
     BrowserExceptionInfoCollector::installOnce();
 }
 
@@ -215,18 +214,18 @@ void NHelioCloudDocsPage::wireBridge(NxWebViewContainer* container)
 
 void NHelioCloudDocsPage::onLoadFinished(bool ok)
 {
-    const bool blank =
-        m_browser && m_browser->currentUrl().compare(QLatin1String("about:blank"), Qt::CaseInsensitive) == 0;
-    if (m_preInitCalled && blank)
+    const bool blank = browserUrl().compare(QLatin1String("about:blank"), Qt::CaseInsensitive) == 0;
+    if (m_preCreation.isAsked && blank)
         return;
-    m_steps.record(QStringLiteral("load_finished"), m_sinceConstruction);
-    m_loadFinished = true;
+    m_telemetry.record(QStringLiteral("load_finished"));
+    m_load->setLoadFinished();
+    followBrowser(browserUrl());
     updatePageTitle();
     if (m_browser && ok)
         _updateCookies(false);
-    setFileSrcFrom(m_browser ? m_browser->currentUrl() : QString());
+    setFileSrcFrom(browserUrl());
     Q_EMIT sigLoadFinished(ok);
-    postPerformance();
+    m_telemetry.postPerformance(browserUrl());
 }
 
 void NHelioCloudDocsPage::updatePageTitle()
@@ -235,8 +234,8 @@ void NHelioCloudDocsPage::updatePageTitle()
     NHelioSubPage* subPage = initialSubPage();
     if (title.isEmpty() || !subPage)
         return;
-    if ((m_initByPreloadBrowser && title == m_preloadTitle) ||
-        (m_preInitCalled && title == QLatin1String("about:blank"))) {
+    if (m_takeOver.isPreparedTitle(title) ||
+        (m_preCreation.isAsked && title == QLatin1String("about:blank"))) {
         return;
     }
     m_title = title;
@@ -246,24 +245,24 @@ void NHelioCloudDocsPage::updatePageTitle()
 void NHelioCloudDocsPage::onLoadError(const QString& url, const QString& message, int code, bool& handled)
 {
     Q_UNUSED(handled)
-    postOpenStep(QStringLiteral("load_error"), url, code, message);
+    m_telemetry.postStep(QStringLiteral("load_error"), stage(), *m_load, url, code, message);
 }
 
 void NHelioCloudDocsPage::onLoadStart(NxWebViewFrame* frame)
 {
     Q_UNUSED(frame)
-    m_steps.record(QStringLiteral("load_start"), m_sinceConstruction);
+    m_telemetry.record(QStringLiteral("load_start"));
 }
 
 void NHelioCloudDocsPage::onLoadStarted()
 {
-    m_steps.record(QStringLiteral("load_started"), m_sinceConstruction);
-    m_webFileInfo.clear();
+    m_telemetry.record(QStringLiteral("load_started"));
+    m_load->clearWebFileInfo();
 }
 
 void NHelioCloudDocsPage::onTitleChanged(const QString& title)
 {
-    if (!m_browser || title.isEmpty() || title == m_title || !m_loadFinished)
+    if (!m_browser || title.isEmpty() || title == m_title || !m_load->isLoadFinished())
         return;
     m_title = title;
     NHelioSubPage* subPage = initialSubPage();
@@ -279,11 +278,23 @@ void NHelioCloudDocsPage::onAddressChange(const QString& url)
 {
     if (!m_browser || !m_jsObj)
         return;
+    if (followBrowser(url))
+        return;
     const QString host = QUrl(url).host();
     const bool isService =
         !host.isEmpty() && (host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
                             host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
-    m_reloadUrl = isService ? url : QString();
+    m_load->setReloadUrl(isService ? url : QString());
+}
+
+/** Where the browser went by itself is what the page shows from then on. */
+bool NHelioCloudDocsPage::followBrowser(const QString& url)
+{
+    if (!m_load->isLeftFor(url))
+        return false;
+    replaceLoad(LoadReason::Navigation,
+                [&url](NDocumentLoad& load, const NDocumentLoad& earlier) { load.adopt(url, earlier); });
+    return true;
 }
 
 void NHelioCloudDocsPage::onFaviconChange(const QList<QIcon>& icons)
@@ -301,38 +312,46 @@ void NHelioCloudDocsPage::onLinkClicked(const QString& url)
     if (!docsurl::isDocumentUrl(document))
         return;
     docsurl::removeQueryItems(document, {QStringLiteral("officeType")});
-    normalizeUrl(document.toString(QUrl::FullyEncoded));
+    tell(document.toString(QUrl::FullyEncoded), LoadReason::Link);
     m_browser->setProperty("linkClickedNotHandle", true);
 }
 
 QString NHelioCloudDocsPage::reloadUrlFor(const QString& reason) const
 {
     const QString startup = startupUrl();
-    return docsurl::reloadUrl(startup.isEmpty() ? m_notify_URL : startup, reason, nclock::nowMs());
+    return docsurl::reloadUrl(startup.isEmpty() ? m_load->url() : startup, reason, nclock::nowMs());
 }
 
-void NHelioCloudDocsPage::reloadOr(const QString& reason, const QUrl& fallback)
+/** Loads the same document again; without a URL to load, the fallback is shown (nothing for an empty one). */
+void NHelioCloudDocsPage::reload(LoadReason reason, const QString& reasonText, const QUrl& fallback)
 {
     if (!m_browser)
         return;
-    if (m_reloadUrl.isEmpty())
-        m_reloadUrl = reloadUrlFor(reason);
-    m_browser->load(m_reloadUrl.isEmpty() ? fallback : QUrl(m_reloadUrl));
+    if (m_load->reloadUrl().isEmpty())
+        m_load->setReloadUrl(reloadUrlFor(reasonText));
+    const QString address = m_load->reloadUrl();
+    if (address.isEmpty()) {
+        if (!fallback.isEmpty())
+            m_load->showInstead(fallback);
+        return;
+    }
+    replaceLoad(reason, [](NDocumentLoad& load, const NDocumentLoad& earlier) { load.repeat(earlier); });
+    m_load->showAt(address);
 }
 
-QString NHelioCloudDocsPage::serviceStartPage()
+QString NHelioCloudDocsPage::serviceStartPage() const
 {
     return commandUrlOf(QString());
 }
 
 void NHelioCloudDocsPage::onReload()
 {
-    reloadOr(QStringLiteral("from"), QUrl(serviceStartPage()));
+    reload(LoadReason::Reload, QStringLiteral("from"), QUrl(serviceStartPage()));
 }
 
 void NHelioCloudDocsPage::onCefProcessAbort()
 {
-    reloadOr(QStringLiteral("cefProcessAbort"), errorPage(QStringLiteral("error-cefabort")));
+    reload(LoadReason::Crash, QStringLiteral("cefProcessAbort"), errorPage(QStringLiteral("error-cefabort")));
 }
 
 void NHelioCloudDocsPage::onLoginStatusChanged()
@@ -346,10 +365,7 @@ void NHelioCloudDocsPage::onLoginStatusChanged()
                 m_browser->reload();
             return;
         }
-        if (m_reloadUrl.isEmpty())
-            m_reloadUrl = reloadUrlFor(QStringLiteral("loginStatusChanged"));
-        if (!m_reloadUrl.isEmpty())
-            m_browser->load(QUrl(m_reloadUrl));
+        reload(LoadReason::LoginChange, QStringLiteral("loginStatusChanged"), QUrl());
     } else if (isReleased()) {
         load();
     }
@@ -357,30 +373,54 @@ void NHelioCloudDocsPage::onLoginStatusChanged()
 
 void NHelioCloudDocsPage::onShowOfflinePage()
 {
-    if (m_browser)
-        m_browser->load(errorPage(QStringLiteral("error-page")));
+    m_load->showInstead(errorPage(QStringLiteral("error-page")));
 }
 
 void NHelioCloudDocsPage::onGotoHomePage()
 {
     if (m_browser)
-        m_browser->load(QUrl(serviceStartPage()));
+        m_load->showInstead(QUrl(serviceStartPage()));
+}
+
+void NHelioCloudDocsPage::_updateCookies(bool force)
+{
+    if (!m_browser || !m_jsObj)
+        return;
+    m_cookies.writeAll(*m_browser);
+    if (force)
+        m_jsObj->notifyLoginStatus();
+}
+
+void NHelioCloudDocsPage::slot_beforeBrowser(bool& handled, const QString& url)
+{
+    Q_UNUSED(handled)
+    const QString host = QUrl(url).host();
+    if (m_browser && !host.isEmpty() && host.compare(ndomains::mainDomain(), Qt::CaseInsensitive) == 0)
+        m_cookies.writeFor(*m_browser, url);
+}
+
+void NHelioCloudDocsPage::onAppendResponseCookies(const QList<QNetworkCookie>& cookies)
+{
+    if (cookies.isEmpty())
+        return;
+    m_cookies.append(cookies);
+    if (m_browser)
+        m_cookies.giveReplyCookies(m_browser->webViewContainer(), m_load->url());
 }
 
 void NHelioCloudDocsPage::onWebFileReady(const QMap<QString, QString>& info)
 {
-    m_webFileReady = true;
-    m_steps.record(QStringLiteral("web_file_ready"), m_sinceConstruction);
-    postOpenTime();
+    m_telemetry.record(QStringLiteral("web_file_ready"));
+    m_telemetry.postOpenTime(*m_load);
     Q_EMIT webFileReady(info);
-    m_webFileInfo = info;
+    m_load->onWebFileReady(info);
 
     const QString fileType = info.value(QStringLiteral("fileType"));
     if (!fileType.isEmpty())
         recordFileTypes(fileType, info.value(QStringLiteral("fileId")));
     if (nrt::kcmc::support(QStringLiteral("PreCreateCloudDocsContainer")))
         NCefPreloadClient::instance().createContainer(NCefPreloadClient::containerName());
-    postOpenStep(QStringLiteral("web_file_ready"), m_browser ? m_browser->currentUrl() : QString());
+    m_telemetry.postStep(QStringLiteral("web_file_ready"), stage(), *m_load, browserUrl());
 }
 
 void NHelioCloudDocsPage::recordFileTypes(const QString& fileType, const QString& readyFileId)
@@ -392,13 +432,13 @@ void NHelioCloudDocsPage::recordFileTypes(const QString& fileType, const QString
     }
     if (!m_browser)
         return;
-    const QString urlFileId = docsurl::fileIdOf(QUrl(m_notify_URL));
+    const QString urlFileId = docsurl::fileIdOf(QUrl(m_load->url()));
     if (!urlFileId.isEmpty()) {
         setProperty("URL_File_ID", urlFileId);
         if (urlFileId != readyFileId && m_browser->currentUrl().contains(urlFileId))
             nversioncheckcache::set(urlFileId, fileType);
     }
-    NOpenUsageRecord::openOnlineFile().record(m_notify_URL, fileType, [](const QString& feature) {
+    NOpenUsageRecord::openOnlineFile().record(m_load->url(), fileType, [](const QString& feature) {
         NCefPreloadClient::instance().recordFeatureUsed(feature);
     });
 }
@@ -406,8 +446,8 @@ void NHelioCloudDocsPage::recordFileTypes(const QString& fileType, const QString
 void NHelioCloudDocsPage::onShareDlgReady(const QMap<QString, QString>& info)
 {
     Q_UNUSED(info)
-    m_steps.record(QStringLiteral("share_dlg_ready"), m_sinceConstruction);
-    postOpenTime();
+    m_telemetry.record(QStringLiteral("share_dlg_ready"));
+    m_telemetry.postOpenTime(*m_load);
 }
 
 void NHelioCloudDocsPage::onMenuItemDataReady(const QJsonObject& items)

@@ -7,6 +7,7 @@
 #include "bridge/CloudDocsPages.h"
 #include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "nheliostat/NHelioApplication.h"
+#include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "nheliostat/NHelioMainWindow.h"
 #include "nrt/NSettings.h"
 #include "nrt/product.h"
@@ -15,7 +16,6 @@
 #include "page/OpenFilesParams.h"
 #include "proxy/NConfigCentreValues.h"
 #include "proxy/NDOPConfig.h"
-#include "proxy/NVersionCheckCache.h"
 #include "zeolite/JsonHelper.h"
 
 #include <QFileInfo>
@@ -37,13 +37,6 @@ bool isToolBarAllowed()
 {
     static NReadOnce<bool> allowed(&readToolBarAllowed);
     return allowed();
-}
-
-bool isDarkSkin()
-{
-    const NHelioApplication* application = NHelioApplication::instance();
-    const NHelioSkin* skin = application ? application->helioSkin() : nullptr;
-    return skin && skin->isDark();
 }
 
 bool isSameText(const QString& text, const char* other)
@@ -122,68 +115,32 @@ bool NHelioCloudDocsPage::handleJsonCommand(const QString& text)
 
 void NHelioCloudDocsPage::handleUrlOrCommand(const QString& text)
 {
-    const QString oldUrl = m_notify_URL;
-    normalizeUrl(commandUrlOf(text));
-    NDocsOfflinePage::NDOPResourceManager::instance()->loadLocalResources(m_fileId, m_officeType);
+    // The lock page is shown already.
+    if (hasBrowser() && isSameText(text, "lock") && isLockPath(m_browser->currentUrl()))
+        return;
+    const bool isNew = tell(commandUrlOf(text), LoadReason::Told);
+    NDocsOfflinePage::NDOPResourceManager::instance()->loadLocalResources(m_load->fileId(),
+                                                                          m_load->officeType());
     if (isHttpUrl(text))
         m_showToolBar = true;
-    if (!m_browser || !browserCreator()->isCreateSucceeded())
-        return;
-
-    if (isSameText(text, "lock") && isLockPath(m_browser->currentUrl()))
+    if (!hasBrowser())
         return;
     if (m_showToolBar)
         applyToolBarVisible();
-    if (m_notify_URL == oldUrl || m_waitingForVcs)
-        return;
-    if (_isDelayLoadUrl()) {
-        _delayLoadUrl();
-        return;
-    }
-    showUrl();
-    ndocslog::info(QStringLiteral("load url: %1").arg(m_notify_URL), "NHelioCloudDocsPage::notify");
+    if (isNew)
+        m_load->showForNotify();
 }
 
-QString NHelioCloudDocsPage::commandUrlOf(const QString& text)
+QString NHelioCloudDocsPage::commandUrlOf(const QString& text) const
 {
     if (text.startsWith(QLatin1String("http"), Qt::CaseInsensitive))
         return text;
     const bool intranet = nrt::kcmc::support(QStringLiteral("IntranetVersion"));
-    m_serviceOrigin = ndomains::url(intranet ? QStringLiteral("drive") : QStringLiteral("quill_api_spec"));
-    return docsurl::commandUrl(text, {m_serviceOrigin, nrt::product::applicationVersion(),
-                                      nrt::product::applicationName(), nrt::product::distributionChannel(),
-                                      nclock::nowMs()});
-}
-
-void NHelioCloudDocsPage::normalizeUrl(const QString& url)
-{
-    const auto& config = NDocsOfflinePage::NDOPConfig::instance();
-    docsurl::NormalizeContext context;
-    context.officeType = m_officeType;
-    context.traceId = m_traceId;
-    context.fileNameSuffix = QFileInfo(property("fileName").toString()).suffix();
-    context.suffix = property("suffix").toString();
-    context.darkSkin = isDarkSkin();
-    context.officeTypeOfSuffix = [&config](const QString& suffix) { return config.officeTypeCode(suffix); };
-    context.recordedOfficeType = &nversioncheckcache::get;
-    context.isClientProxy = [&config](const QString& officeType) { return config.isDopEnabled(officeType); };
-    context.makeTraceId = &docsurl::newIdentifier;
-
-    const docsurl::Normalized normalized = docsurl::normalize(url, context);
-    m_officeType = normalized.officeType;
-    m_traceId = normalized.traceId;
-    m_notify_URL = normalized.url;
-
-    if (m_officeType.isEmpty()) {
-        _startVcsRequest();
-    } else if (normalized.clientProxy) {
-        if (m_networkRequestStarted) {
-            m_notify_URL =
-                docsurl::withQueryItem(m_notify_URL, QStringLiteral("sdkversion"), QStringLiteral("3.0.7"));
-        }
-        _startNetworkRequest();
-        _waitStartedPreRequest();
-    }
+    const QString origin =
+        ndomains::url(intranet ? QStringLiteral("drive") : QStringLiteral("quill_api_spec"));
+    return docsurl::commandUrl(text,
+                               {origin, nrt::product::applicationVersion(), nrt::product::applicationName(),
+                                nrt::product::distributionChannel(), nclock::nowMs()});
 }
 
 bool NHelioCloudDocsPage::openFiles(const QStringList& args, const QStringList& names,
@@ -195,7 +152,7 @@ bool NHelioCloudDocsPage::openFiles(const QStringList& args, const QStringList& 
     Q_UNUSED(subPage)
     QString found = findUrlArgument(args);
     if (found.isEmpty())
-        found = m_notify_URL;
+        found = m_load->url();
     NHelioMainWindow* window = mainWindow();
     NHelioCentralArea* centralArea = window ? window->centralArea() : nullptr;
     if (found.isEmpty() || !centralArea)
@@ -252,7 +209,7 @@ void NHelioCloudDocsPage::openFoundDocument(const OpenFilesParams& params, NHeli
 
 QString NHelioCloudDocsPage::notifyUrl() const
 {
-    return m_notify_URL;
+    return m_load->url();
 }
 
 QString NHelioCloudDocsPage::startupUrl() const
@@ -262,9 +219,7 @@ QString NHelioCloudDocsPage::startupUrl() const
 
 QString NHelioCloudDocsPage::getCurrentUrl() const
 {
-    if (m_preloadFrameworkUsed)
-        return m_notify_URL;
-    return m_browser ? m_browser->currentUrl() : QString();
+    return m_takeOver.isUsed() ? m_load->url() : browserUrl();
 }
 
 QString NHelioCloudDocsPage::getWorkAreaRecoverUrl() const
@@ -276,14 +231,14 @@ QString NHelioCloudDocsPage::getWorkAreaRecoverUrl() const
 
 QString NHelioCloudDocsPage::getPageProperty(const QString& key) const
 {
-    return m_webFileInfo.value(key);
+    return m_load->webFileInfo().value(key);
 }
 
 void NHelioCloudDocsPage::navigateTo(const QString& url)
 {
-    normalizeUrl(url);
-    if (m_browser && browserCreator()->isCreateSucceeded())
-        m_browser->navigate(m_notify_URL);
+    tell(url, LoadReason::Told);
+    if (hasBrowser())
+        m_load->navigate();
 }
 
 void NHelioCloudDocsPage::refreshPage()

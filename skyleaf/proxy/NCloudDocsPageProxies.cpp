@@ -54,7 +54,9 @@ void NCloudDocsPageProxyManager::addRequestProxy(const QString& replyName)
 
 void NCloudDocsPageProxyManager::removeRequestProxy(const QString& replyName)
 {
-    NDOPResourceManager::instance()->clearRequest(replyName, m_current.fileId, m_current.officeType);
+    const auto resources = NDOPResourceManager::instance();
+    resources->unregisterRequestHandler(replyName, m_current.fileId, m_current.officeType, m_browser);
+    resources->clearRequest(replyName, m_current.fileId, m_current.officeType, m_current.connId);
     ndocslog::info(QStringLiteral("remove %1 proxy").arg(replyName),
                    "NCloudDocsPageProxyManager::removeRequestProxy");
 }
@@ -82,5 +84,4 @@ void NCloudDocsPageProxyManager::removeProxies()
     if (!m_current.fileId.isEmpty())
         removeRequestProxies();
     m_current = {};
-    m_requested = {};
 }

@@ -37,6 +37,8 @@ void NCloudDocsPageProxyManager::setProxy(const NDOPProxyInfo& info)
     }
     if (isCurrentLoad(info))
         return;
+    const NDOPProxyInfo before = m_current;
+    removeProxies();
     ndocslog::info(QStringLiteral("initDocsLocalResource start URL:%1").arg(info.notifyUrl), operation);
     report("set_start");
     if (!NDOPConfig::instance().isDopEnabled(info.officeType)) {
@@ -53,7 +55,7 @@ void NCloudDocsPageProxyManager::setProxy(const NDOPProxyInfo& info)
     if (!checkUrl(info.notifyUrl))
         return;
     ndocslog::info(
-        QStringLiteral("current injectId %1; current connid %2").arg(m_current.injectId, m_current.connId),
+        QStringLiteral("current injectId %1; current connid %2").arg(before.injectId, before.connId),
         operation);
     ndocslog::info(QStringLiteral("new injectId %1; new connid %2").arg(info.injectId, info.connId),
                    operation);
@@ -94,6 +96,9 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
         ndocslog::info(QStringLiteral("front ver is empty"), operation);
         return false;
     }
+    const bool isOtherLoad = !isCurrentLoad(info);
+    if (isOtherLoad)
+        removeProxies();
     report("update_start", QStringLiteral("no_error"), info.frontVer);
     if (!NDOPConfig::instance().isDopEnabled(info.officeType)) {
         ndocslog::info(QStringLiteral("funcSwitch off"), operation);
@@ -102,7 +107,6 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
     }
     if (!checkUrl(info.notifyUrl))
         return false;
-    const bool isOtherLoad = !isCurrentLoad(info);
     if (m_current.frontVer == info.frontVer && !isOtherLoad) {
         ndocslog::info(QStringLiteral("proxy frontVer not changed, no need to reset proxy."), operation);
         return true;
@@ -111,7 +115,7 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
     ndocslog::info(QStringLiteral("injectId %1; connid %2").arg(info.injectId, info.connId), operation);
     const NCloudDocsRecordManager* records = NCloudDocsRecordManager::instance();
     QString path = records ? records->retrievePluginPathRecord(info.officeType, info.frontVer) : QString();
-    if (path.isEmpty()) {
+    if (path.isEmpty() || !QFileInfo::exists(path)) {
         ndocslog::info(QStringLiteral("no plugins path record for font ver %1").arg(info.frontVer),
                        operation);
         path = npackagepaths::upgradedOrInstalled(info.pluginName);
@@ -120,8 +124,10 @@ bool NCloudDocsPageProxyManager::updateProxy(const NDOPProxyInfo& info)
             return false;
         }
     }
-    removeHtmlProxy();
-    removeLocalResourceProxy();
+    if (!isOtherLoad) {
+        removeHtmlProxy();
+        removeLocalResourceProxy();
+    }
     m_current = info;
     m_current.pluginPath = path;
     // The version may be known before anything was installed for this load; else they are left as they are.
@@ -288,6 +294,7 @@ bool NCloudDocsPageProxyManager::loadPackagePlugin(QString& path)
     return false;
 }
 
+/** A package that comes while a page is shown is known to the next load; the present one goes on as it is. */
 void NCloudDocsPageProxyManager::slog_pluginLoaded()
 {
     NCloudDocsRecordManager* records = NCloudDocsRecordManager::instance();
@@ -301,7 +308,6 @@ void NCloudDocsPageProxyManager::slog_pluginLoaded()
     if (version.isEmpty())
         return;
     records->updatePluginPathRecord(m_current.officeType, version, path);
-    m_current.frontVer = version;
 }
 
 void NCloudDocsPageProxyManager::report(const char* step, const QString& error,

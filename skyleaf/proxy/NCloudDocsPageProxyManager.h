@@ -25,7 +25,8 @@ struct NDOPProxyInfo
 
 /**
  * Decides for one page whether its front end comes from a local package, and has the browser's requests
- * answered from it. Every step of the decision is reported; a refusal leaves the page to the server.
+ * answered from it. Every step of the decision is reported, after it took effect; a refusal leaves the page
+ * to the server. What was installed for an earlier load is taken out before the decision for the next one.
  * User-interface thread.
  */
 class NCloudDocsPageProxyManager : public QObject
@@ -39,7 +40,7 @@ public:
     void setProxy(const NDOPProxyInfo& info);
     /** Installs again for the front version of `info`; true when that version is served or already was. */
     bool updateProxy(const NDOPProxyInfo& info);
-    /** Removes what was installed for the page. */
+    /** Removes what was installed for the present load, so that the server answers everything. */
     void removeProxies();
 
     void addHtmlProxy();
@@ -59,7 +60,7 @@ public:
     /** The directory of the page's package plug-in; empty when it cannot be had. */
     bool loadPackagePlugin(QString& path);
 
-    /** The page load whose proxies are installed. */
+    /** The page load whose proxies are installed; its package path is empty while no package is served. */
     const NDOPProxyInfo& current() const { return m_current; }
 
 public Q_SLOTS:

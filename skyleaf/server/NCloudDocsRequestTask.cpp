@@ -59,8 +59,8 @@ bool isFrontVerMustUpgrade(const QString& frontVer, const QString& url)
 
 } // namespace nrequestrun
 
-NCloudDocsRequestTask::NCloudDocsRequestTask(QObject* page)
-    : QObject(page)
+NCloudDocsRequestTask::NCloudDocsRequestTask(QObject* parent)
+    : QObject(parent)
     , m_client(new NHelioCloudDocsNetwork(this))
 {
     qRegisterMetaType<NCloudDocsRequestTaskResult>("NCloudDocsRequestTaskResult");

@@ -24,16 +24,21 @@ struct NCloudDocsRequestTaskParam
 };
 
 /**
- * Drives the documents server client of one page and turns its replies into results. User-interface thread;
- * owned by the page.
+ * Drives the documents server client of one load, or of a page's transfers, and turns its replies into results.
+ * User-interface thread; owned by whom it serves.
  */
 class NCloudDocsRequestTask : public QObject
 {
     Q_OBJECT
 public:
-    explicit NCloudDocsRequestTask(QObject* page);
+    explicit NCloudDocsRequestTask(QObject* parent);
     ~NCloudDocsRequestTask() override;
 
+    // The version check is sent once, also by a task that goes on where another one ended.
+    bool hasAskedVersion() const { return m_client->hasAskedVersion(); }
+    void setVersionAsked() { m_client->setVersionAsked(); }
+    /** What is still on its way is dropped. */
+    void abandon() { m_client->abandon(); }
     /** Starts a run, unless no local package is available for the document. */
     void startRequest(const NCloudDocsRequestTaskParam& param);
     /** Asks for the version check of a file outside a run. */

@@ -35,26 +35,6 @@ NHelioCloudDocsNetwork::NHelioCloudDocsNetwork(QObject* requestTask)
 {
 }
 
-NHelioCloudDocsNetwork::~NHelioCloudDocsNetwork()
-{
-    if (const auto manager = NDOPResourceManager::instance()) {
-        for (const QString& injectId : qAsConst(m_givenInjectIds))
-            manager->removeInjectRecord(injectId);
-    }
-}
-
-/** The record of the run before stays: the browser may still be asking for its page. */
-void NHelioCloudDocsNetwork::setInjectId(const QString& injectId)
-{
-    constexpr int kept = 2;
-    m_injectId = injectId;
-    m_givenInjectIds.removeAll(injectId);
-    m_givenInjectIds << injectId;
-    const auto manager = NDOPResourceManager::instance();
-    while (manager && m_givenInjectIds.size() > kept)
-        manager->removeInjectRecord(m_givenInjectIds.takeFirst());
-}
-
 void NHelioCloudDocsNetwork::setRequestParams(qint64 buildTime, qint64 second, const QString& frontVer,
                                               bool mustUpgrade)
 {
@@ -229,16 +209,29 @@ void NHelioCloudDocsNetwork::applyRequestOverride(const QString& routeKey, DocsR
     requestoverride::writeCookies(request);
 }
 
-/** A reply that belongs to a document which the page has left meanwhile is only reported. */
+void NHelioCloudDocsNetwork::abandon()
+{
+    m_isAbandoned = true;
+    if (m_localData)
+        m_localData->disconnect(this);
+}
+
+/** What was sent before there was a run, as the version check may be, is of every run of its file. */
+bool NHelioCloudDocsNetwork::isOfPresentRun(const QString& fileId, const QString& connId) const
+{
+    return !m_isAbandoned && (m_fileId.isEmpty() || m_fileId == fileId) &&
+           (connId.isEmpty() || m_connId == connId);
+}
+
 INetworkManager::Completion NHelioCloudDocsNetwork::completionOf(const QString& replyName,
                                                                  const QString& fileId)
 {
     const auto startMs = static_cast<quint64>(nclock::nowMs());
-    return [client = QPointer<NHelioCloudDocsNetwork>(this), startMs, replyName, fileId,
+    return [client = QPointer<NHelioCloudDocsNetwork>(this), startMs, replyName, fileId, connId = m_connId,
             frontVer = m_frontVer](INetworkReply* reply) {
         if (!client)
             return;
-        if (client->m_fileId.isEmpty() || client->m_fileId == fileId) {
+        if (client->isOfPresentRun(fileId, connId)) {
             client->onRequestFinished(reply, startMs, replyName, frontVer);
             return;
         }

@@ -10,7 +10,6 @@
 #include <QObject>
 #include <QPair>
 #include <QString>
-#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -22,7 +21,7 @@ class QNetworkReply;
  * Talks to the documents server for one page. User-interface thread; its parent is the page's request task.
  *
  * A request that lacks what it needs (the network library, the shell, the service's address) is silently not
- * sent. The data of its run (under the injection id) is given up when it is destroyed.
+ * sent. A reply of an earlier run, or of another file, is reported and otherwise dropped.
  */
 class NHelioCloudDocsNetwork : public QObject
 {
@@ -31,11 +30,10 @@ public:
     using HeaderPairs = QList<QPair<QByteArray, QByteArray>>;
 
     explicit NHelioCloudDocsNetwork(QObject* requestTask);
-    ~NHelioCloudDocsNetwork() override;
 
     void setRequestParams(qint64 buildTime, qint64 second, const QString& frontVer, bool mustUpgrade);
     void setConnId(const QString& connId) { m_connId = connId; }
-    void setInjectId(const QString& injectId);
+    void setInjectId(const QString& injectId) { m_injectId = injectId; }
     void setStartTimeFromUrl(const QString& pageUrl);
 
     /** Starts one run: version check or package information, then what the file's first screen needs. */
@@ -45,6 +43,11 @@ public:
     void startDataUpgrade(const QString& url, const QString& packageInfo, const QString& filePath);
     void startDownloadFileFromURL(const QString& url, const QString& savePath);
 
+    /** Drops what is still on its way: queries, requests that wait for them, replies. */
+    void abandon();
+    bool hasAskedVersion() const { return m_vcsStarted; }
+    /** The version check of the file was sent by another client. */
+    void setVersionAsked() { m_vcsStarted = true; }
     bool hasStartedPreRequest() const { return m_startedPreRequest; }
     QJsonObject openFileRequestBody() const { return m_openFileRequestBody; }
     HeaderPairs openFileResponseHeaders() const { return m_openFileResponseHeaders; }
@@ -79,7 +82,8 @@ private:
     /** False when it cannot be sent. */
     bool postDataUpgrade(const QString& url, const QString& packageInfo, const QString& filePath,
                          const QByteArray& content);
-    void takeFileReply(const INetworkReply& reply, const QString& replyName);
+    bool isOfPresentRun(const QString& fileId, const QString& connId) const;
+    void takeFileReply(const INetworkReply& reply, const QString& replyName, qint64 startMs, qint64 endMs);
     void _reportNetworkResult(int errorCode, const QString& url, qint64 useTime, qint64 networkUseTime,
                               const QString& name) const;
 
@@ -96,8 +100,8 @@ private:
     QJsonObject m_openFileRequestBody;
     HeaderPairs m_openFileResponseHeaders;
     QString m_injectId;
-    QStringList m_givenInjectIds; //!< whose records are not yet given up, oldest first
     std::shared_ptr<INetworkManager> m_networkManager;
+    bool m_isAbandoned = false;
     bool m_vcsStarted = false;
     QString m_startTime;
     bool m_startedPreRequest = false;

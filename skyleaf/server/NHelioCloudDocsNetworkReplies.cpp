@@ -34,8 +34,12 @@ QByteArray cookieLines(const QVariantMap& headers)
 NHelioCloudDocsNetwork::HeaderPairs pairsOf(const QVariantMap& headers)
 {
     NHelioCloudDocsNetwork::HeaderPairs pairs;
-    for (auto header = headers.begin(); header != headers.end(); ++header)
-        pairs.append({header.key().toUtf8(), header.value().toString().toUtf8()});
+    for (auto header = headers.begin(); header != headers.end(); ++header) {
+        // The network library gives several headers of one name as the lines of one value.
+        const QList<QByteArray> values = header.value().toString().toUtf8().split('\n');
+        for (const QByteArray& value : values)
+            pairs.append({header.key().toUtf8(), value});
+    }
     return pairs;
 }
 
@@ -48,7 +52,7 @@ void NHelioCloudDocsNetwork::onRequestFinished(INetworkReply* reply, quint64 sta
         return;
     const qint64 endMs = nclock::nowMs();
     if (isFileReply(replyName))
-        takeFileReply(*reply, replyName);
+        takeFileReply(*reply, replyName, qint64(startMs), endMs);
     Q_EMIT sigRequestFromHostWidgetFinished(replyName, m_officeType, reply->body(), qint64(startMs), endMs,
                                             frontVer);
     if (reply->request())
@@ -56,29 +60,30 @@ void NHelioCloudDocsNetwork::onRequestFinished(INetworkReply* reply, quint64 sta
                              reply->networkTimeMs(), replyName);
 }
 
-/** Keeps the reply for the browser's own request of it. */
-void NHelioCloudDocsNetwork::takeFileReply(const INetworkReply& reply, const QString& replyName)
+/** Keeps the reply for whoever asks for it: the browser's own request, the page, a script. */
+void NHelioCloudDocsNetwork::takeFileReply(const INetworkReply& reply, const QString& replyName,
+                                           qint64 startMs, qint64 endMs)
 {
     constexpr int statusOk = 200;
     const QVariantMap headers = reply.headers();
     const QByteArray cookies = cookieLines(headers);
     if (!cookies.isEmpty())
         Q_EMIT sigAppendResponseCookies(QNetworkCookie::parseCookies(cookies));
-    const HeaderPairs pairs = pairsOf(headers);
-    if (replyName == docsrequests::openFile)
-        m_openFileResponseHeaders = pairs;
     NDOPResponseData data;
-    if (reply.httpStatusCode() == statusOk) {
-        data.body = reply.body();
-        data.headers = pairs;
-    } else {
-        ndocslog::info(QStringLiteral("replyName: %1, request error HTTPStatusCode: %2")
-                           .arg(replyName)
-                           .arg(reply.httpStatusCode()),
-                       "NHelioCloudDocsNetwork::onRequestFinished");
+    data.body = reply.body();
+    data.headers = pairsOf(headers);
+    data.status = reply.httpStatusCode();
+    data.startTime = startMs;
+    data.endTime = endMs;
+    if (replyName == docsrequests::openFile)
+        m_openFileResponseHeaders = data.headers;
+    if (data.status != statusOk) {
+        ndocslog::info(
+            QStringLiteral("replyName: %1, request error HTTPStatusCode: %2").arg(replyName).arg(data.status),
+            "NHelioCloudDocsNetwork::onRequestFinished");
     }
     if (const auto manager = NDOPResourceManager::instance())
-        manager->setResponseData(replyName, m_fileId, m_officeType, data);
+        manager->setResponseData(replyName, m_fileId, m_officeType, m_connId, data);
 }
 
 void NHelioCloudDocsNetwork::onFinished(QNetworkReply* reply)

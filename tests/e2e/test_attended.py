@@ -7,8 +7,8 @@ import time
 import unittest
 
 from attended import AttendedShell
-from e2e_case import BUILD, PROGRAMS, SITE, TEXT_DOCUMENT
-from helio_shell import DocumentsServer, merged
+from e2e_case import BUILD, PROGRAMS, TEXT_DOCUMENT
+from helio_shell import merged
 from local_packages import installed_packages, plugin_members, switches
 from package_case import PackageCase
 
@@ -29,11 +29,8 @@ class AttendedTest(PackageCase):
 
     def start_server(self):
         """The server again, at its old address and with its documents, when it is away."""
-        if self.server.is_running:
-            return
-        ports = ["--http-port", str(self.server.http_port), "--https-port", str(self.server.https_port)]
-        type(self).server = DocumentsServer(PROGRAMS, self.documents, SITE, ports)
-        self.addClassCleanup(self.server.stop)
+        if not self.server.is_running:
+            self.server.start()
 
     def stored(self):
         with open(os.path.join(self.documents, "100001.json"), encoding="utf-8") as file:

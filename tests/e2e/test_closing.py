@@ -1,24 +1,13 @@
 """Closing, restarting and releasing documents with words that are not saved yet."""
 
 import glob
-import json
 import os
-import time
 import unittest
 
-from e2e_case import BUILD, PROGRAMS, SITE, TABLE_DOCUMENT, query
-from helio_shell import DocumentsServer
+from e2e_case import BUILD, TABLE_DOCUMENT, UNTIL_SAVED, query
 from local_packages import installed_packages
 from package_case import PackageCase
 
-TYPE = """
-const editor = document.querySelector('.ProseMirror');
-editor.focus();
-document.getSelection().selectAllChildren(editor.querySelector('p'));
-document.getSelection().collapseToEnd();
-document.execCommand('insertText', false, %s);
-"""
-SAVED = "while (!window.__DOCS_STATE__.saved) await new Promise(r => setTimeout(r, 50));"
 TEXT = "return document.querySelector('.ProseMirror').innerText"
 SAVING_FAILS = {"/api/v3/office/file/100001/content": {"status": 503}}
 
@@ -38,20 +27,14 @@ class ClosingCase(PackageCase):
 
     def start_server(self):
         """The server again, at its old address and with its documents, when it is away."""
-        if self.server.is_running:
-            return
-        ports = ["--http-port", str(self.server.http_port), "--https-port", str(self.server.https_port)]
-        type(self).server = DocumentsServer(PROGRAMS, self.documents, SITE, ports)
-        self.addClassCleanup(self.server.stop)
-
-    def type(self, shell, page, text, then=""):
-        shell.evaluate(page, TYPE % json.dumps(text) + then)
+        if not self.server.is_running:
+            self.server.start()
 
     def open_and_type_unsaved(self, shell, text=" Unsaved."):
         """A page with words that the server, which goes away, never gets."""
         page = self.open_text(shell)
         self.server.kill()
-        self.type(shell, page, text)
+        self.type_text(shell, page, text)
         return page
 
     def stored(self):
@@ -60,12 +43,6 @@ class ClosingCase(PackageCase):
 
     def pages(self, shell):
         return [page for window in shell.call("shell.state")["windows"] for page in window["pages"]]
-
-    def until(self, is_done, what, timeout=30):
-        deadline = time.monotonic() + timeout
-        while not is_done():
-            self.assertLess(time.monotonic(), deadline, what)
-            time.sleep(0.05)
 
     def assert_asked(self, shell, since, *parts):
         asked = shell.wait_for_log("messageBox ", since=since).params["text"]
@@ -81,7 +58,7 @@ class ClosingTest(ClosingCase):
             if way == "behind another":
                 shell.call("tab.select", page=self.open(shell, TABLE_DOCUMENT))
             words = " Last words %d." % number
-            self.type(shell, page, words)
+            self.type_text(shell, page, words)
             if way == "end of the shell":
                 self.assertEqual(shell.quit(), 0)
             else:
@@ -102,16 +79,16 @@ class ClosingTest(ClosingCase):
 
         # The page is as it was: what it holds is saved when that is possible again.
         self.start_server()
-        shell.evaluate(page, SAVED, timeout=60)
+        shell.evaluate(page, UNTIL_SAVED, timeout=60)
         self.assertIn(" Unsaved.", self.stored())
         self.control("fault", SAVING_FAILS)
-        self.type(shell, page, " Given up.")
+        self.type_text(shell, page, " Given up.")
         shell.call("dialog.answer", dialog="messageBox", value="discard", times=2)
         since = shell.mark()
         shell.call("tab.trigger", page=page, action="fixTab")
         shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
         self.assertNotIn("Given up", shell.evaluate(page, TEXT))
-        self.type(shell, page, " Given up.")
+        self.type_text(shell, page, " Given up.")
         self.assertTrue(shell.call("page.close", page=page))
         self.assertEqual(self.pages(shell), [])
         self.assertNotIn("Given up", self.stored())
@@ -122,7 +99,7 @@ class ClosingTest(ClosingCase):
         pages = [self.open_text(shell), self.open_text(shell)]
         self.server.kill()
         for page in pages:
-            self.type(shell, page, " Unsaved.")
+            self.type_text(shell, page, " Unsaved.")
         since = shell.mark()
         shell.call("tab.trigger", page=kept, action="closeOtherTabs")
         self.assert_asked(shell, since, "dialog cancelled", "The changes in 2 documents are not saved.")
@@ -156,7 +133,7 @@ class ReleaseTest(ClosingCase):
         shell = self.start(settings={"discardPage/inactivatePageDiscardTime": 1})
         page = self.open_text(shell)
         self.control("fault", SAVING_FAILS)
-        self.type(shell, page, " Unsaved.")
+        self.type_text(shell, page, " Unsaved.")
         other = self.open(shell, TABLE_DOCUMENT)
         shell.call("tab.select", page=other)
         shell.call("tab.select", page=self.create(shell))
@@ -174,7 +151,7 @@ class ReleaseTest(ClosingCase):
         since = shell.mark()
         shell.call("page.load", page=page)
         shell.wait_for_page(page, "webFileReady", timeout=60, since=since)
-        self.type(shell, page, "My own words.", SAVED)
+        self.type_text(shell, page, "My own words.", UNTIL_SAVED)
         path = shell.evaluate(page, "return location.pathname")
         self.assertTrue(path.startswith("/p/"), path)
         for restart in ("release", "fixTab"):
@@ -214,12 +191,12 @@ class KeptTest(ClosingCase):
         copies = os.path.join(self.user["localDataDir"], "quillfile", "*", "sync", "content.word")
         self.until(lambda: glob.glob(copies), "no copy on this computer")
         self.server.kill()
-        self.type(shell, page, " Kept here.")
+        self.type_text(shell, page, " Kept here.")
         self.assertTrue(shell.call("page.close", page=page))
         page = self.open_text(shell)
         self.assert_readable(shell, page, " Kept here.")
         self.start_server()
-        shell.evaluate(page, SAVED, timeout=60)
+        shell.evaluate(page, UNTIL_SAVED, timeout=60)
         self.assertIn(" Kept here.", self.stored())
 
 

@@ -63,8 +63,8 @@ TEST_F(ResourceManager, RequestsThatBelongToTheNetworkAreLetThrough)
     manager().registerRequestHandler(QString(), file, word, conn, &browser);
     manager().registerRequestHandler(envConfig, file, word, QString(), &browser);
     ASSERT_EQ(browser.resourceCache.size(), 2);
-    manager().setResponseData(QStringLiteral("OPEN_FILE"), file, word, {"open", {}});
-    manager().setResponseData(envConfig, file, word, {"config", {}});
+    manager().setResponseData(QStringLiteral("OPEN_FILE"), file, word, conn, {"open", {}});
+    manager().setResponseData(envConfig, file, word, conn, {"config", {}});
     const QString config =
         QStringLiteral("/office-config/7?part=file_info,font_name_map,config,plugin_config");
     const struct
@@ -108,16 +108,16 @@ TEST_F(ResourceManager, ARequestWaitsForItsReply)
     EXPECT_TRUE(first->body().isEmpty());
     EXPECT_EQ(first->headers(), (QVariantMap{{QStringLiteral("x-client-proxy"), QStringLiteral("true")}}));
     EXPECT_EQ(second->answers(), 0);
-    manager().setResponseData(envConfig, file, QString(), reply("other"));
-    manager().setResponseData(envConfig, file, word, reply("late"));
+    manager().setResponseData(envConfig, file, QString(), conn, reply("other"));
+    manager().setResponseData(envConfig, file, word, conn, reply("late"));
     EXPECT_EQ(second->body(), "late");
     EXPECT_EQ(second->headers().value(QStringLiteral("X-A")), QByteArray("1"));
     EXPECT_EQ(askEnvConfig()->body(), "late") << "stored";
 
-    manager().clearRequest(envConfig, file, word);
+    manager().clearRequest(envConfig, file, word, conn);
     const std::weak_ptr<FakeResourceCallback> cleared = askEnvConfig();
     EXPECT_FALSE(cleared.expired()) << "waits again";
-    manager().clearRequest(envConfig, file, word);
+    manager().clearRequest(envConfig, file, word, conn);
     EXPECT_TRUE(cleared.expired()) << "let go without an answer";
     const auto timers = manager().findChildren<QTimer*>();
     EXPECT_TRUE(
@@ -127,9 +127,9 @@ TEST_F(ResourceManager, ARequestWaitsForItsReply)
     ASSERT_TRUE(waitUntil([&] { return timedOut->answers() == 1; }));
     EXPECT_TRUE(timedOut->body().isEmpty());
     EXPECT_EQ(askEnvConfig()->answers(), 1) << "the empty reply is stored";
-    manager().setResponseData(envConfig, file, word, reply("after"));
+    manager().setResponseData(envConfig, file, word, conn, reply("after"));
     EXPECT_EQ(askEnvConfig()->body(), "after");
-    manager().setResponseData(envConfig, file, word, {"own", {{"x-client-proxy", "2"}}});
+    manager().setResponseData(envConfig, file, word, conn, {"own", {{"x-client-proxy", "2"}}});
     Callback elsewhere;
     std::thread([&] { elsewhere = askEnvConfig(); }).join();
     EXPECT_EQ(elsewhere->answers(), 0) << "answered on the manager's thread";

@@ -40,6 +40,7 @@ protected:
         turn();
         page->notify(s("https://docs.test/p/7"));
         page->load();
+        turn();
         auto* browser = page->findChild<FakeBrowserWidget*>();
         browser->cookies.clear();
         return browser;

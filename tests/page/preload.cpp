@@ -43,6 +43,7 @@ protected:
                       {ncefpreload::injectArrayProperty, QJsonArray{QStringLiteral("_LOCAL_CONNID")}}};
         hooks.handOver = [this](QWidget* parent, NHelioBrowserCreator* creator) {
             auto* const made = new FakeBrowserWidget(parent);
+            made->setEnableStartupUrl(false); // as what is prepared in advance is
             QObject::connect(made, &NHelioBrowserWidgetBase::webviewCreated, made,
                              [this](NxWebViewContainer* container) {
                                  for (auto each = properties.begin(); each != properties.end(); ++each)
@@ -85,6 +86,7 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return page->findChild<FakeBrowserWidget*>(); }));
         browser = page->findChild<FakeBrowserWidget*>();
         ASSERT_TRUE(waitUntil([this] { return browser->container(); }));
+        turn();
     }
 
     QStringList checks() const { return log.lines().filter(QStringLiteral("_checkPreloadDocFramework ")); }
@@ -122,9 +124,13 @@ TEST_F(Preload, TheFrontEndThatFitsIsToldOnceWhatToOpen)
     EXPECT_EQ(hooks.calls,
               QStringList(QStringLiteral("hand cloudDocsPreCreateBrowser nhelio_cloud_docs_page 2")));
 
+    EXPECT_TRUE(browser->loads.isEmpty() && view.resourceCacheClearings == 0);
+    // It opens one document; what comes next is loaded.
     page->notify(server.origin() + QStringLiteral("/p/8?officeType=w"));
     EXPECT_EQ(view.scripts.size(), 1);
-    EXPECT_TRUE(browser->loads.isEmpty() && view.resourceCacheClearings == 0);
+    ASSERT_EQ(browser->loads.size(), 1);
+    EXPECT_EQ(browser->loads.last().path(), QStringLiteral("/p/8"));
+    EXPECT_FALSE(userAgent().contains("PreloadDocFramework"));
     const auto events = host->dataCollection().events();
     const bool isPosted = std::any_of(events.begin(), events.end(), [](const auto& each) {
         return each.name == QLatin1String("docs_localproxy_dop_preloaddocframework") &&

@@ -84,6 +84,7 @@ TEST_F(PreviewPage, ShowsTheDocumentOnce)
     EXPECT_EQ(page->property("fileName").toString(), s("Plan.docx"));
     EXPECT_EQ(page->pageTitle(), s("Plan"));
     auto* browser = page->findChild<FakeBrowserWidget*>();
+    turn();
     ASSERT_EQ(browser->loads.size(), 1);
     EXPECT_EQ(browser->loads.first().path(), s("/p/7"));
     browser->deliverLoadFinished(true);
@@ -101,6 +102,7 @@ TEST_F(PreviewPage, ShowsTheDocumentOnce)
     EXPECT_EQ(result(third, command("https://docs.test/p/7?pcEnter=chat", s("&&docx&7&createSubPage&no"))),
               s("true"));
     EXPECT_EQ(window->centralArea()->currentPage(), other);
+    turn();
     EXPECT_EQ(third->findChild<FakeBrowserWidget*>()->loads.size(), 1);
 }
 

@@ -3,8 +3,21 @@
 #include "nheliostat/NHelioCommonJSAPI.h"
 
 #include <QJsonObject>
+#include <QTimer>
 
 #include <algorithm>
+
+namespace {
+
+void removeHandler(QVector<NHelioResourceCacheEntry>& handlers, const QString& prefix)
+{
+    const auto isOfPrefix = [&prefix](const NHelioResourceCacheEntry& entry) {
+        return entry.first == prefix;
+    };
+    handlers.erase(std::remove_if(handlers.begin(), handlers.end(), isOfPrefix), handlers.end());
+}
+
+} // namespace
 
 FakeBrowserWidget::FakeBrowserWidget(QWidget* parent, QString browserId, QString browserName)
     : NHelioBrowserWidgetBase(parent)
@@ -27,7 +40,26 @@ void FakeBrowserWidget::initWebView()
         return;
     ++webViewsMade;
     m_container = new FakeWebViewContainer(this);
+    if (announcesLater) {
+        QTimer::singleShot(0, m_container, [this] { announceView(); });
+        return;
+    }
     Q_EMIT webviewCreated(m_container);
+    askForScriptObject();
+    QTimer::singleShot(0, m_container, [this] { announceBrowser(); });
+}
+
+void FakeBrowserWidget::announceView()
+{
+    Q_EMIT webviewCreated(m_container);
+    QTimer::singleShot(0, m_container, [this] {
+        askForScriptObject();
+        QTimer::singleShot(0, m_container, [this] { announceBrowser(); });
+    });
+}
+
+void FakeBrowserWidget::askForScriptObject()
+{
     QObject* object = nullptr;
     Q_EMIT creatingApi(m_container, &object);
     m_scriptObject = object;
@@ -35,7 +67,19 @@ void FakeBrowserWidget::initWebView()
         object->setParent(m_container);
     if (const auto* api = qobject_cast<NHelioCommonJSAPI*>(object))
         connect(api, &NHelioCommonJSAPI::sig_webFileReady, this, &FakeBrowserWidget::webFileReady);
+}
+
+void FakeBrowserWidget::announceBrowser()
+{
     Q_EMIT browserCreated();
+    if (!m_container)
+        return;
+    m_isCreated = true;
+    const QString startupUrl = property("startupUrl").toString();
+    if (!m_currentUrl.isEmpty())
+        loads.append(m_currentUrl);
+    else if (startupUrlEnabled && !startupUrl.isEmpty())
+        load(QUrl(startupUrl));
 }
 
 void FakeBrowserWidget::releaseWebView()
@@ -44,19 +88,31 @@ void FakeBrowserWidget::releaseWebView()
         return;
     ++webViewsReleased;
     m_currentUrl.clear();
+    m_isCreated = false;
     delete m_container;
 }
 
 void FakeBrowserWidget::load(const QUrl& url)
 {
-    loads.append(url);
-    m_currentUrl = url.toString();
+    if (!url.isValid() || url.isEmpty())
+        return;
+    m_currentUrl = url;
+    if (m_isCreated)
+        loads.append(url);
 }
 
 void FakeBrowserWidget::navigate(const QString& url)
 {
     navigations.append(url);
-    m_currentUrl = url;
+    m_currentUrl = QUrl(url);
+}
+
+void FakeBrowserWidget::addLocalResourceCache(const QVector<NHelioResourceCacheEntry>& entries)
+{
+    for (const NHelioResourceCacheEntry& entry : entries) {
+        removeHandler(resourceCache, entry.first);
+        resourceCache.append(entry);
+    }
 }
 
 void FakeBrowserWidget::setCookie(const QUrl& url, const QNetworkCookie& cookie,
@@ -75,11 +131,7 @@ void FakeBrowserWidget::removeLocalResourceCache(const QVector<NHelioLocalPathPa
 {
     for (const NHelioLocalPathPair& pair : pairs) {
         resourcePaths.removeAll(pair);
-        const auto samePrefix = [&pair](const NHelioResourceCacheEntry& entry) {
-            return entry.first == pair.first;
-        };
-        resourceCache.erase(std::remove_if(resourceCache.begin(), resourceCache.end(), samePrefix),
-                            resourceCache.end());
+        removeHandler(resourceCache, pair.first);
     }
 }
 
@@ -87,13 +139,6 @@ void FakeBrowserWidget::removeLocalFaviconCache(const QVector<NHelioLocalPathPai
 {
     for (const NHelioLocalPathPair& pair : pairs)
         faviconPaths.removeAll(pair);
-}
-
-void FakeBrowserWidget::deliverStartupLoad()
-{
-    const QString url = property("startupUrl").toString();
-    if (m_container && startupUrlEnabled && m_currentUrl.isEmpty() && !url.isEmpty())
-        load(QUrl(url));
 }
 
 void FakeBrowserWidget::deliverLoadStarted()
@@ -115,7 +160,7 @@ void FakeBrowserWidget::deliverTitle(const QString& title)
 
 void FakeBrowserWidget::deliverAddress(const QString& url)
 {
-    m_currentUrl = url;
+    m_currentUrl = QUrl(url);
     if (m_container)
         Q_EMIT m_container->addressChange(url);
 }

@@ -15,7 +15,10 @@ class QJsonObject;
 
 /**
  * A browser widget without Chromium. Records what it is asked in the public members below; everything that a
- * browser would do by itself happens only in the `deliver…` calls.
+ * browser would do by itself happens only in the `deliver…` calls, but for its start, which it announces as
+ * the contract says: `browserCreated` a turn of the event loop after the web view was made, and only then
+ * does it load. The view's own signals come inside `initWebView` or, with `announcesLater`, in later turns
+ * too.
  */
 class FakeBrowserWidget final : public NHelioBrowserWidgetBase, public nheliostat::host::DocumentGuard
 {
@@ -32,14 +35,13 @@ public:
 
     void setStartupUrl(const QString& url) override;
     void setEnableStartupUrl(bool enable) override { startupUrlEnabled = enable; }
-    /** Raises webviewCreated, creatingApi and browserCreated, in that order. */
     void initWebView() override;
     void releaseWebView() override;
     NxWebViewContainer* webViewContainer() const override { return m_container; }
     void load(const QUrl& url) override;
     void navigate(const QString& url) override;
     void reload() override { ++reloads; }
-    QString currentUrl() const override { return m_currentUrl; }
+    QString currentUrl() const override { return m_currentUrl.toString(QUrl::FullyEncoded); }
     QString title() const override { return m_title; }
     void setToolbarVisible(bool visible) override { toolbarVisible.append(visible); }
     void setFlag(int flag, bool on) override { flags.insert(flag, on); }
@@ -55,10 +57,8 @@ public:
     bool hasActivity() const override { return active; }
     void setCookie(const QUrl& url, const QNetworkCookie& cookie,
                    std::function<void(bool)> completion) override;
-    void addLocalResourceCache(const QVector<NHelioResourceCacheEntry>& entries) override
-    {
-        resourceCache += entries;
-    }
+    /** A handler takes the place of an earlier one of the same prefix. */
+    void addLocalResourceCache(const QVector<NHelioResourceCacheEntry>& entries) override;
     void setLocalResourceCache(const QVector<NHelioLocalPathPair>& pairs, int providerType) override;
     void removeLocalResourceCache(const QVector<NHelioLocalPathPair>& pairs) override;
     void addLocalFaviconCache(const QVector<NHelioLocalPathPair>& pairs) override { faviconPaths += pairs; }
@@ -73,12 +73,12 @@ public:
     Q_INVOKABLE void onShowWebLoadingWidget(const QString& fileName) { loadingWidgetFiles.append(fileName); }
     Q_INVOKABLE void injectLoadingWidgetFlag() { ++loadingWidgetFlags; }
 
+    /** Whether it was announced, and loads. */
+    bool isCreated() const { return m_isCreated; }
     FakeWebViewContainer* container() const { return m_container; }
     /** The object that answered creatingApi for the present web view; null for none. */
     QObject* scriptObject() const { return m_scriptObject; }
 
-    /** Loads the startup URL as a browser does at the turn of the event loop after `initWebView`. */
-    void deliverStartupLoad();
     void deliverLoadStarted();
     void deliverLoadFinished(bool ok);
     void deliverTitle(const QString& title);
@@ -111,7 +111,7 @@ public:
     bool startupUrlEnabled = true;
     int webViewsMade = 0;
     int webViewsReleased = 0;
-    QVector<QUrl> loads;
+    QVector<QUrl> loads; //!< that reached the engine: of several before the start, the last
     QStringList navigations;
     int reloads = 0;
     int activations = 0;
@@ -136,9 +136,17 @@ public:
     QStringList loadingWidgetFiles;
     int loadingWidgetFlags = 0;
 
+    /** Whether new browsers announce their view in later turns. */
+    static inline bool announcesLater = false;
+
 private:
+    void announceView();
+    void askForScriptObject();
+    void announceBrowser();
+
     QPointer<FakeWebViewContainer> m_container;
     QPointer<QObject> m_scriptObject;
-    QString m_currentUrl;
+    QUrl m_currentUrl;
+    bool m_isCreated = false;
     QString m_title;
 };

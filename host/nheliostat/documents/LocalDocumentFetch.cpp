@@ -2,13 +2,13 @@
 
 #include "nheliostat/documents/DocumentExport.h"
 #include "nheliostat/documents/DownloadState.h"
+#include "nrt/files.h"
 #include "nrt/networkAccess.h"
 #include "zeolite/NxLoggerLite.h"
 
 #include <QDir>
 #include <QFileInfo>
 #include <QNetworkReply>
-#include <QSaveFile>
 
 #include <utility>
 
@@ -88,10 +88,9 @@ void LocalDocumentFetch::storeExport(const QByteArray& body)
     if (!document)
         return fail(tr("The document has no content that can be shown here."));
     const QString path = QDir(m_directory).filePath(document->name + QStringLiteral(".html"));
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(document->html) != document->html.size() ||
-        !file.commit())
-        return fail(tr("The document cannot be kept: %1").arg(file.errorString()));
+    const QString reason = nrt::files::replace(path, document->html);
+    if (!reason.isEmpty())
+        return fail(tr("The document cannot be kept: %1").arg(reason));
     Q_EMIT fetched(path, document->name);
 }
 

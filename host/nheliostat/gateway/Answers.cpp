@@ -71,6 +71,11 @@ HandlerHeaders::HandlerHeaders(const QVariantMap& headers)
         const QByteArray bytes = header.value().userType() == QMetaType::QByteArray
                                      ? header.value().toByteArray()
                                      : header.value().toString().toUtf8();
+        if (id == field::set_cookie) { // several cookies are the lines of one value, and headers of their own
+            for (const QByteArray& cookie : bytes.split('\n'))
+                appendLine(lines, viewOf(name), singleLine(viewOf(cookie)));
+            continue;
+        }
         const std::string value = singleLine(viewOf(bytes));
         const bool aboutCaching = id == field::cache_control || id == field::expires || id == field::pragma ||
                                   id == field::etag || id == field::last_modified;

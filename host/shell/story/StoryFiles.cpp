@@ -3,11 +3,12 @@
 #include "shell/story/StoryJson.h"
 #include "shell/story/StoryPicture.h"
 
+#include "nrt/files.h"
+
 #include <QBuffer>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QPainter>
-#include <QSaveFile>
 #include <QSvgRenderer>
 
 namespace shell {
@@ -51,10 +52,8 @@ QString saveStory(const story::OpenStory& openStory, const QString& file, bool d
         bytes = QJsonDocument(story::toJson(openStory)).toJson();
     else
         return QStringLiteral("a story is written to .svg, .png or .json, not to %1").arg(file);
-    QSaveFile output(file);
-    if (!output.open(QIODevice::WriteOnly) || output.write(bytes) != bytes.size() || !output.commit())
-        return QStringLiteral("cannot write %1: %2").arg(file, output.errorString());
-    return {};
+    const QString reason = nrt::files::replace(file, bytes);
+    return reason.isEmpty() ? QString() : QStringLiteral("cannot write %1: %2").arg(file, reason);
 }
 
 } // namespace shell

@@ -23,12 +23,16 @@ using NHelioLocalPathPair = QPair<QString, QString>;
 /**
  * The browser widget of the shell: a toolbar and a Chromium web view. User-interface thread.
  *
- * Created without a web view; `initWebView` makes one, and `releaseWebView` frees it again. In that order the
- * widget then raises `webviewCreated`, `creatingApi` and `browserCreated`, still inside `initWebView`. An
- * enabled startup URL is loaded at the next turn of the event loop unless something else was loaded by then.
+ * Created without a web view; `initWebView` makes one, and `releaseWebView` frees it again. A new view is
+ * announced once, by `webviewCreated`, then `creatingApi`, then `browserCreated`. The first two may come inside
+ * `initWebView` or in later turns of the event loop; `browserCreated` always comes in a later turn, and what the
+ * browser is asked to load before it is loaded only then: of several URLs the last. An enabled startup URL is
+ * loaded then when nothing else was asked for.
+ *
+ * A handler or directory takes the place of an earlier one of the same prefix.
  *
  * Dynamic properties that it reads: "cachePath", "cookiePath" (directories; before `initWebView`),
- * "webViewType", "skipLoadingWidgetInjection". "startupUrl" is kept by `setStartupUrl`. Invokable:
+ * "skipLoadingWidgetInjection". "startupUrl" is kept by `setStartupUrl`. Invokable:
  * "onShowWebLoadingWidget"(QString file name), "injectLoadingWidgetFlag"().
  */
 class NHelioBrowserWidgetBase : public QWidget
@@ -50,7 +54,7 @@ public:
     virtual void load(const QUrl& url) = 0;
     virtual void navigate(const QString& url) = 0;
     virtual void reload() = 0;
-    /** The URL that is shown or being loaded; empty before the first. */
+    /** The URL that is shown or being loaded, fully encoded; empty before the first. */
     virtual QString currentUrl() const = 0;
     virtual QString title() const = 0;
 

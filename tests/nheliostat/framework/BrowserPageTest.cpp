@@ -103,8 +103,8 @@ TEST_F(BrowserPage, ShowsItsUrlWhenTheBrowserArrives)
     EXPECT_EQ(page->widgetType(), 11);
     EXPECT_EQ(window->area().currentPage(), page);
     EXPECT_EQ(strip().tabText(0), s("example.test"));
-    QCoreApplication::processEvents();
-    ASSERT_TRUE(browser);
+    while (!browser || !browser->isCreated())
+        QCoreApplication::processEvents();
     EXPECT_EQ(browser->webViewsMade, 1);
     EXPECT_THAT(browser->loads, ElementsAre(QUrl(s("https://example.test/a"))));
     browser->deliverTitle(s("A title"));

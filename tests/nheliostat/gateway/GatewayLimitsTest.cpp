@@ -329,7 +329,9 @@ TEST(GatewayLimits, WhatMayBeSentTwiceIsSentAgainWhenTheServerWasJustLeaving)
         };
         keep(connection.readRequest());
         connection.write(okText("once"));
-        connection.readHead();
+        const auto head = connection.readHead();
+        if (head && (*head)[boost::beast::http::field::content_length].size() > 5)
+            connection.stream().read(256 * 1024); // of a large one, more than is kept for a second time
     });
     ProxyClient browser = limited.client();
     const std::string body = "the words";

@@ -152,12 +152,14 @@ TEST(GatewayRules, HandlerHeadersCannotBreakTheMessage)
         {QStringLiteral("transfer-encoding"), QStringLiteral("chunked")},
         {QStringLiteral("Proxy-Authenticate"), QStringLiteral("Basic")},
         {QStringLiteral("content-type"), QStringLiteral("text/plain")},
+        {QStringLiteral("set-cookie"), QByteArrayLiteral("a=1; HttpOnly\nb=2\r; Path=/")},
     };
     const QVariantMap map = {{QStringLiteral("headerMap"), headers},
                              {QStringLiteral("resourceData"), QByteArrayLiteral("body")}};
     const Answer answer = handlerAnswer(map, "/a.js", {});
     EXPECT_EQ(answer.head, "HTTP/1.1 200 OK\r\nX-Bytes: rawInjected: 1\r\ncontent-type: text/plain\r\n"
-                           "x-client-proxy: true\r\nCache-Control: no-store\r\nContent-Length: 4\r\n\r\n");
+                           "set-cookie: a=1; HttpOnly\r\nset-cookie: b=2; Path=/\r\nx-client-proxy: true\r\n"
+                           "Cache-Control: no-store\r\nContent-Length: 4\r\n\r\n");
 
     AnswerForm head;
     head.headOnly = true;

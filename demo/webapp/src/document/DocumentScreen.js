@@ -240,7 +240,7 @@ export class DocumentScreen {
 
   async #openFile(fileId, signal) {
     const early = this.#takeEarly(fileId, signal);
-    const injected = early ? early.injected : this.#injection.read();
+    const injected = early ? early.injected : this.#injection.read(fileId);
     const kept = this.#offline.ask({ fileId, injected });
     const connId = early ? early.connId : connectionFor(injected, this.#window);
     const asked = early ? early.replies

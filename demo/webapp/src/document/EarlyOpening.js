@@ -20,7 +20,7 @@ export class EarlyOpening {
     this.#progress = new OpenProgress(owner);
     this.#progress.begin({ fileId, officeType: typeCode, frontVersion });
     this.fileId = fileId;
-    this.injected = readInjected(owner.__INJECT__);
+    this.injected = readInjected(owner.__INJECT__, fileId);
     this.connId = connectionFor(this.injected, owner);
     const api = new DocumentsApi((url, init) => owner.fetch(url, init));
     this.replies = askForFile(api, {

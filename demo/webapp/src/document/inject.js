@@ -76,13 +76,13 @@ export class Injection {
   }
 
   /** @returns {Injected} */
-  read() {
+  read(fileId) {
     const inject = this.#owner.__INJECT__;
     const source = isObject(inject) ? { ...inject } : {};
     for (const name of documentMembers) {
       if (this.#used.has(source[name])) delete source[name];
     }
-    return readInjected(source);
+    return readInjected(source, fileId);
   }
 
   used() {
@@ -92,9 +92,23 @@ export class Injection {
   }
 }
 
-/** @returns {Injected} */
-export function readInjected(inject) {
-  const source = isObject(inject) ? inject : {};
+/** Whether the injected values say that they are another document's. */
+function isOfAnother(source, fileId) {
+  const info = parsed(source._LOCAL_INJECT_DATA_FILEINFO);
+  const owner = isObject(info) ? info.fileId : undefined;
+  return typeof owner === 'string' && owner !== '' && owner !== fileId;
+}
+
+/**
+ * @param {unknown} inject
+ * @param {string} fileId the document that the page opens; what is injected for another one counts as absent
+ * @returns {Injected}
+ */
+export function readInjected(inject, fileId) {
+  const given = isObject(inject) ? inject : {};
+  const source = isOfAnother(given, fileId)
+    ? { _LOCAL_INJECT_DATA_OFFLINESWITCH: given._LOCAL_INJECT_DATA_OFFLINESWITCH }
+    : given;
   const connId = source._LOCAL_CONNID;
   return {
     connId: typeof connId === 'string' && connId !== '' && connId !== 'null' ? connId : null,

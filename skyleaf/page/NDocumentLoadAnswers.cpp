@@ -1,7 +1,6 @@
-#include "page/NHelioCloudDocsPage.h"
+#include "page/NDocumentLoad.h"
 
 #include "base/NDocsLog.h"
-#include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
 #include "offline/NDOPResourceManager.h"
 #include "page/DocsUrl.h"
@@ -12,8 +11,9 @@
 #include "server/DocsRequests.h"
 #include "server/ReplyParsers.h"
 
-// What the documents server's answers change: the front version of the page, and what the bridge hands to the
-// script.
+using NDocsOfflinePage::NDOPResourceManager;
+
+// What the documents server's answers change.
 
 namespace {
 
@@ -30,7 +30,7 @@ QString changedVersionText(const replyparsers::EnvConfigReply& reply)
 
 } // namespace
 
-void NHelioCloudDocsPage::onRequestTaskFinished(const NCloudDocsRequestTaskResult& result)
+void NDocumentLoad::onRequestTaskFinished(const NCloudDocsRequestTaskResult& result)
 {
     if (result.fileId != m_fileId)
         return;
@@ -38,100 +38,40 @@ void NHelioCloudDocsPage::onRequestTaskFinished(const NCloudDocsRequestTaskResul
     if (isReply(result, docsrequests::packageInfo)) {
         ndocslog::info(QStringLiteral("handle pck ingo"), "NHelioCloudDocsPage::onRequestTaskFinished");
         replyparsers::handleResPckInfoResponse(result.officeType, result.data, result.frontVer);
-    } else if (isReply(result, docsrequests::envConfig)) {
-        _handleEnvConfig(result);
-        keepResult(result);
-    } else if (isReply(result, docsrequests::versionCheck)) {
-        _handleVcs(result);
-    } else {
-        keepResult(result);
+        return;
     }
-}
-
-void NHelioCloudDocsPage::connectTaskToBridge()
-{
-    constexpr auto queuedOnce = static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection);
-    m_jsObj->setOfficeType(m_officeType);
-    connect(m_requestTask.get(), &NCloudDocsRequestTask::sigRequestFromApiFinished, m_jsObj,
-            &NHelioCloudDocsAsynJsObj::onNetworkRequestFinish, queuedOnce);
-    connect(m_requestTask.get(), &NCloudDocsRequestTask::sigAppendResponseCookies, this,
-            &NHelioCloudDocsPage::onAppendResponseCookies, queuedOnce);
-}
-
-/** The request task, whose results for scripts reach the bridge. */
-NCloudDocsRequestTask& NHelioCloudDocsPage::requestTaskForScript()
-{
-    ensureRequestTask();
-    if (m_jsObj)
-        connectTaskToBridge();
-    return *m_requestTask;
-}
-
-void NHelioCloudDocsPage::uploadPackage(const QString& url, const QString& packageInfo,
-                                        const QString& zipPath)
-{
-    requestTaskForScript().startDataUpgrade(url, packageInfo, zipPath);
-}
-
-void NHelioCloudDocsPage::downloadPackage(const QString& url, const QString& savePath)
-{
-    requestTaskForScript().startDownloadFileFromURL(url, savePath);
-}
-
-std::optional<NPreloadedReply> NHelioCloudDocsPage::preloadedReply(const QString& key) const
-{
-    const auto found = m_requestResults.constFind(key);
-    if (found == m_requestResults.constEnd() || m_requestResultsFileId != m_fileId)
-        return std::nullopt;
-    return *found;
-}
-
-QJsonObject NHelioCloudDocsPage::openFileRequestBody() const
-{
-    return m_requestTask ? m_requestTask->getOpenFileRequestBody() : QJsonObject();
-}
-
-QList<QPair<QByteArray, QByteArray>> NHelioCloudDocsPage::openFileResponseHeaders() const
-{
-    return m_requestTask ? m_requestTask->getOpenFileResponseHeaders()
-                         : QList<QPair<QByteArray, QByteArray>>();
-}
-
-void NHelioCloudDocsPage::keepResult(const NCloudDocsRequestTaskResult& result)
-{
-    if (result.replyName.isEmpty())
+    if (isReply(result, docsrequests::versionCheck)) {
+        _handleVcs(result);
         return;
-    if (m_requestResultsFileId != result.fileId)
-        m_requestResults.clear();
-    m_requestResultsFileId = result.fileId;
-    m_requestResults.insert(result.replyName, {result.data, result.startTime, result.endTime});
-    if (m_jsObj)
-        m_jsObj->forwardPreloadRequest(result.replyName, result.data, result.startTime, result.endTime);
+    }
+    if (isReply(result, docsrequests::envConfig))
+        _handleEnvConfig(result);
+    if (!result.replyName.isEmpty())
+        Q_EMIT replyCame(result.replyName, result.data, result.startTime, result.endTime);
 }
 
-/** The page held its load back for the version check; it goes on with what is known now. */
-void NHelioCloudDocsPage::endVcsWait()
+/** The load was held back for the version check; it goes on with what is known now. */
+void NDocumentLoad::endVcsWait()
 {
-    if (!m_waitingForVcs)
+    if (!isWaitingForVersion())
         return;
-    m_waitingForVcs = false;
+    advance(LoadEvent::Release);
     loadNormalized();
 }
 
-void NHelioCloudDocsPage::loadNormalized()
+void NDocumentLoad::loadNormalized()
 {
-    if (!m_browser)
+    if (!m_host.loadBrowser())
         return;
-    normalizeUrl(m_notify_URL);
+    normalizeUrl(m_url);
     initDocsLocalResource();
     showUrl();
 }
 
-void NHelioCloudDocsPage::_handleVcs(const NCloudDocsRequestTaskResult& result)
+void NDocumentLoad::_handleVcs(const NCloudDocsRequestTaskResult& result)
 {
     constexpr auto operation = "NHelioCloudDocsPage::_handleVcs";
-    if (m_vcsTimeoutTimer)
-        m_vcsTimeoutTimer->stop();
+    m_versionTimer.stop();
     if (nconfigvalues::isDelayedLoadOn()) {
         _handleVcsWithDelayLoadUrl(result);
         return;
@@ -139,7 +79,7 @@ void NHelioCloudDocsPage::_handleVcs(const NCloudDocsRequestTaskResult& result)
     const replyparsers::VersionCheckReply reply = replyparsers::parseVcsResult(result);
     const bool wasUnknown = m_officeType.isEmpty();
     if (wasUnknown && !reply.officeType.isEmpty()) {
-        m_officeType = reply.officeType;
+        setOfficeType(reply.officeType);
         nversioncheckcache::set(m_fileId, m_officeType);
     }
     // A page that learned its type by itself meanwhile waits no longer either.
@@ -151,18 +91,15 @@ void NHelioCloudDocsPage::_handleVcs(const NCloudDocsRequestTaskResult& result)
         return;
     }
     m_requestedFrontVer = reply.clientVersion;
-    npackagerecords::setCheckedVersion(m_officeType, result.frontVer, reply.clientVersion);
-    ndocslog::info(
-        QStringLiteral("current version %1 and new version %2").arg(result.frontVer, reply.clientVersion),
-        operation);
+    takeCheckedVersion(result, reply.clientVersion);
 }
 
-void NHelioCloudDocsPage::_handleVcsWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result)
+void NDocumentLoad::_handleVcsWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result)
 {
     constexpr auto operation = "NHelioCloudDocsPage::_handleVcsWithDelayLoadUrl";
     const replyparsers::VersionCheckReply reply = replyparsers::parseVcsResult(result);
     if (m_officeType.isEmpty())
-        m_officeType = reply.officeType;
+        setOfficeType(reply.officeType);
     endVcsWait();
     if (reply.clientVersion.isEmpty()) {
         ndocslog::info(QStringLiteral("vcs front ver version is empty"), operation);
@@ -170,14 +107,21 @@ void NHelioCloudDocsPage::_handleVcsWithDelayLoadUrl(const NCloudDocsRequestTask
     }
     m_requestedFrontVer = reply.clientVersion;
     ndocslog::info(QStringLiteral("requested front ver is %1").arg(m_requestedFrontVer), operation);
-    npackagerecords::setCheckedVersion(m_officeType, result.frontVer, reply.clientVersion);
-    ndocslog::info(
-        QStringLiteral("current version %1 and new version %2").arg(result.frontVer, reply.clientVersion),
-        operation);
+    takeCheckedVersion(result, reply.clientVersion);
     _handleDelayLoadUrlAfterRequest(m_requestedFrontVer);
 }
 
-void NHelioCloudDocsPage::_handleEnvConfig(const NCloudDocsRequestTaskResult& result)
+void NDocumentLoad::takeCheckedVersion(const NCloudDocsRequestTaskResult& result,
+                                       const QString& clientVersion)
+{
+    npackagerecords::setCheckedVersion(m_officeType, result.frontVer, clientVersion);
+    ndocslog::info(
+        QStringLiteral("current version %1 and new version %2").arg(result.frontVer, clientVersion),
+        nconfigvalues::isDelayedLoadOn() ? "NHelioCloudDocsPage::_handleVcsWithDelayLoadUrl"
+                                         : "NHelioCloudDocsPage::_handleVcs");
+}
+
+void NDocumentLoad::_handleEnvConfig(const NCloudDocsRequestTaskResult& result)
 {
     constexpr auto operation = "NHelioCloudDocsPage::_handleEnvConfig";
     if (nconfigvalues::isDelayedLoadOn()) {
@@ -201,18 +145,17 @@ void NHelioCloudDocsPage::_handleEnvConfig(const NCloudDocsRequestTaskResult& re
         ndocslog::info(QStringLiteral("reseting proxy is not enabled"), operation);
         return;
     }
-    if (!m_browser || !m_browser->webViewContainer()) {
+    if (!container()) {
         ndocslog::info(QStringLiteral("browser or webview is not ready"), operation);
         return;
     }
     records->updateEnvConfigRecord(reply.fileId, reply.frontVer);
-    NDocsOfflinePage::NDOPResourceManager::instance()->loadLocalResources(m_fileId, m_officeType,
-                                                                          reply.frontVer);
-    if (m_proxyManager && !m_proxyManager->updateProxy(proxyInfo(reply.frontVer)))
+    NDOPResourceManager::instance()->loadLocalResources(m_fileId, m_officeType, reply.frontVer);
+    if (!m_host.loadProxies().updateProxy(proxyInfo(reply.frontVer)))
         _refreshOnLocalResourceResetFail();
 }
 
-void NHelioCloudDocsPage::_handleEnvConfigWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result)
+void NDocumentLoad::_handleEnvConfigWithDelayLoadUrl(const NCloudDocsRequestTaskResult& result)
 {
     constexpr auto operation = "NHelioCloudDocsPage::_handleEnvConfigWithDelayLoadUrl";
     const replyparsers::EnvConfigReply reply = replyparsers::parseEnvConfigResult(result);
@@ -231,32 +174,34 @@ void NHelioCloudDocsPage::_handleEnvConfigWithDelayLoadUrl(const NCloudDocsReque
     _handleDelayLoadUrlAfterRequest(m_requestedFrontVer);
 }
 
-void NHelioCloudDocsPage::_handleDelayLoadUrlAfterRequest(const QString& frontVer)
+void NDocumentLoad::_handleDelayLoadUrlAfterRequest(const QString& frontVer)
 {
     constexpr auto operation = "NHelioCloudDocsPage::_handleDelayLoadUrlAfterRequest";
-    if (!m_browser || !m_browser->webViewContainer()) {
+    if (!container()) {
         ndocslog::info(QStringLiteral("webview not ready"), operation);
-    } else if (m_delayLoadFinished) {
+    } else if (m_isDelayOver) {
         ndocslog::info(QStringLiteral("delay load finished"), operation);
-    } else if (m_delayLoadTimer && m_delayLoadTimer->isActive()) {
-        m_delayLoadTimer.reset();
+    } else if (m_delayTimer.isActive()) {
+        m_delayTimer.stop();
         ndocslog::info(QStringLiteral("desotry delay load timer"), operation);
+        advance(LoadEvent::Release);
         _updateProxy(frontVer);
     } else {
         ndocslog::info(QStringLiteral("delay load timer not start yet"), operation);
     }
 }
 
-void NHelioCloudDocsPage::_refreshOnLocalResourceResetFail()
+/** The version that the server wants cannot be served from this computer: the server shows the document. */
+void NDocumentLoad::_refreshOnLocalResourceResetFail()
 {
     constexpr qint64 longestRunMs = 500;
-    if (!m_browser || m_webFileReady || m_localResetRefreshed)
+    if (!m_host.loadBrowser() || isWebFileReady() || m_isResetRefreshed)
         return;
-    m_localResetRefreshed = true;
+    m_isResetRefreshed = true;
     if (m_runTimer.isValid() && m_runTimer.elapsed() > longestRunMs)
         return;
-    m_notify_URL = docsurl::withoutLocalPackageItems(m_notify_URL);
+    m_url = docsurl::withoutLocalPackageItems(m_url);
     showUrl();
-    ndocslog::info(QStringLiteral("params removed, url is %1").arg(m_notify_URL),
+    ndocslog::info(QStringLiteral("params removed, url is %1").arg(m_url),
                    "NHelioCloudDocsPage::_refreshOnLocalResourceResetFail");
 }

@@ -1,9 +1,8 @@
-#include "page/NHelioCloudDocsPage.h"
+#include "page/NPageCookies.h"
 
 #include "base/NClock.h"
 #include "base/NDocsLog.h"
 #include "base/NDomains.h"
-#include "bridge/NHelioCloudDocsAsynJsObj.h"
 #include "bridge/ShellAccess.h"
 #include "nheliostat/NHelioApplication.h"
 #include "nheliostat/NHelioBrowserWidgetBase.h"
@@ -14,8 +13,6 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-
-// The cookies that the page gives its browser.
 
 namespace {
 
@@ -108,66 +105,50 @@ void writeBranchCookie(NHelioBrowserWidgetBase& browser)
 
 } // namespace
 
-void NHelioCloudDocsPage::_updateCookies(bool force)
+void NPageCookies::writeAll(NHelioBrowserWidgetBase& browser) const
 {
-    if (!m_browser || !m_jsObj)
-        return;
     if (zeolite::isSupported(accountCapability)) {
         const QString root = rootUrl();
-        writeCookie(*m_browser, root, sessionCookie(root, accountSessionId(), false));
-        writeCookie(*m_browser, root, identityCookie(root));
-    } else {
-        const QString session = proxySessionId();
-        const QString drive = ndomains::url(QStringLiteral("drive"));
-        writeCookie(*m_browser, drive, sessionCookie(drive, session, false));
-        writeCookie(*m_browser, drive, identityCookie(drive));
-        const QString docs = ndomains::url(QStringLiteral("quill"));
-        writeCookie(*m_browser, docs, sessionCookie(docs, session, isDocsSessionSecure()));
-        writeCookie(*m_browser, docs, identityCookie(docs));
-        writeBranchCookie(*m_browser);
+        writeCookie(browser, root, sessionCookie(root, accountSessionId(), false));
+        writeCookie(browser, root, identityCookie(root));
+        return;
     }
-    if (force)
-        m_jsObj->notifyLoginStatus();
+    const QString session = proxySessionId();
+    const QString drive = ndomains::url(QStringLiteral("drive"));
+    writeCookie(browser, drive, sessionCookie(drive, session, false));
+    writeCookie(browser, drive, identityCookie(drive));
+    const QString docs = ndomains::url(QStringLiteral("quill"));
+    writeCookie(browser, docs, sessionCookie(docs, session, isDocsSessionSecure()));
+    writeCookie(browser, docs, identityCookie(docs));
+    writeBranchCookie(browser);
 }
 
-void NHelioCloudDocsPage::_updateCookie(const QString& url)
+void NPageCookies::writeFor(NHelioBrowserWidgetBase& browser, const QString& url) const
 {
-    if (!m_browser || url.isEmpty())
+    if (url.isEmpty())
         return;
     const QString session = proxySessionId();
     if (session.isEmpty())
         ndocslog::info(QStringLiteral("vlt_sid is empty"), "NHelioCloudDocsPage::_updateCookie");
     else
-        writeCookie(*m_browser, url, sessionCookie(url, session, false));
-    writeCookie(*m_browser, url, identityCookie(url));
+        writeCookie(browser, url, sessionCookie(url, session, false));
+    writeCookie(browser, url, identityCookie(url));
 }
 
-void NHelioCloudDocsPage::slot_beforeBrowser(bool& handled, const QString& url)
+void NPageCookies::append(const QList<QNetworkCookie>& cookies)
 {
-    Q_UNUSED(handled)
-    const QString host = QUrl(url).host();
-    if (!host.isEmpty() && host.compare(ndomains::mainDomain(), Qt::CaseInsensitive) == 0)
-        _updateCookie(url);
-}
-
-void NHelioCloudDocsPage::onAppendResponseCookies(const QList<QNetworkCookie>& cookies)
-{
-    if (cookies.isEmpty())
-        return;
     ndocslog::info(QStringLiteral("append response cookies"), "NHelioCloudDocsPage::onAppendResponseCookies");
-    m_responseCookies.append(cookies);
-    if (m_browser)
-        giveResponseCookies(m_browser->webViewContainer());
+    m_ofReplies.append(cookies);
 }
 
-void NHelioCloudDocsPage::giveResponseCookies(NxWebViewContainer* container)
+void NPageCookies::giveReplyCookies(NxWebViewContainer* container, const QString& pageUrl) const
 {
-    if (!container || m_notify_URL.isEmpty() || m_responseCookies.isEmpty())
+    if (!container || pageUrl.isEmpty() || m_ofReplies.isEmpty())
         return;
     const QString host = ndomains::host(QStringLiteral("quill"));
-    for (QNetworkCookie cookie : qAsConst(m_responseCookies)) {
+    for (QNetworkCookie cookie : m_ofReplies) {
         if (cookie.domain().isEmpty())
             cookie.setDomain(host);
-        container->setCookie(QUrl(m_notify_URL), cookie, {});
+        container->setCookie(QUrl(pageUrl), cookie, {});
     }
 }
