@@ -167,6 +167,7 @@ void FakeBrowserWidget::deliverAddress(const QString& url)
 
 void FakeBrowserWidget::deliverFavicon(const QList<QIcon>& icons)
 {
+    m_favicon = icons.value(0);
     if (m_container)
         Q_EMIT m_container->faviconChange(icons);
     Q_EMIT faviconChange(icons);

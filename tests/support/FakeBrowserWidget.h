@@ -43,6 +43,7 @@ public:
     void reload() override { ++reloads; }
     QString currentUrl() const override { return m_currentUrl.toString(QUrl::FullyEncoded); }
     QString title() const override { return m_title; }
+    QIcon favicon() const override { return m_favicon; }
     void setToolbarVisible(bool visible) override { toolbarVisible.append(visible); }
     void setFlag(int flag, bool on) override { flags.insert(flag, on); }
     void addSupportedProtocol(const QString& scheme) override { supportedProtocols.append(scheme); }
@@ -149,4 +150,5 @@ private:
     QUrl m_currentUrl;
     bool m_isCreated = false;
     QString m_title;
+    QIcon m_favicon;
 };

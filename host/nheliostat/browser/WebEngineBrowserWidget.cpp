@@ -324,7 +324,7 @@ void WebEngineBrowserWidget::wireView()
     }
     connect(view, &NxWebViewContainer::loadStarted, this, &WebEngineBrowserWidget::beginLoad);
     connect(view, &NxWebViewContainer::addressChange, this, &WebEngineBrowserWidget::showAddress);
-    connect(view, &NxWebViewContainer::faviconChange, this, &NHelioBrowserWidgetBase::faviconChange);
+    connect(view, &NxWebViewContainer::faviconChange, this, &WebEngineBrowserWidget::takeFavicon);
     connect(view, &WebViewContainer::linkClicked, this, &NHelioBrowserWidgetBase::sigLinkClicked);
     connect(view, &WebViewContainer::protocolRequested, this, &WebEngineBrowserWidget::openProtocol);
     connect(view, &WebViewContainer::newWindowRequested, this, &WebEngineBrowserWidget::openNewWindow);
@@ -428,6 +428,12 @@ void WebEngineBrowserWidget::takeCrash()
 void WebEngineBrowserWidget::takeTitle(const QString& title)
 {
     Q_EMIT titleChanged(title);
+}
+
+void WebEngineBrowserWidget::takeFavicon(const QList<QIcon>& icons)
+{
+    m_favicon = icons.isEmpty() ? QIcon() : icons.first();
+    Q_EMIT faviconChange(icons);
 }
 
 void WebEngineBrowserWidget::takeWebFileReady(const QMap<QString, QString>& info)

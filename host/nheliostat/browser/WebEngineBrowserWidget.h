@@ -57,6 +57,7 @@ public:
     void reload() override;
     QString currentUrl() const override;
     QString title() const override;
+    QIcon favicon() const override { return m_favicon; }
     void setToolbarVisible(bool visible) override;
     void setFlag(int flag, bool on) override;
     void addSupportedProtocol(const QString& scheme) override;
@@ -106,6 +107,7 @@ private:
     void showFailure(const QUrl& url, const NetError& error);
     void takeCrash();
     void takeTitle(const QString& title);
+    void takeFavicon(const QList<QIcon>& icons);
     void takeWebFileReady(const QMap<QString, QString>& info);
     void takeUnsavedChanges(bool unsaved);
     void leaveFor(std::function<void()> next);
@@ -120,6 +122,7 @@ private:
     std::shared_ptr<ResourceRegistrations> m_resources;
     NHelioBrowserCreateInfo m_createInfo;
     QMap<int, bool> m_flags;
+    QIcon m_favicon;
     QStringList m_supportedProtocols;
     QSet<QString> m_markedProtocols;
     QString m_startupUrl;

@@ -23,6 +23,9 @@ void NHelioBrowserTabDelegate::initDelegate(NHelioBrowserWidgetBase* browser)
     connect(browser, &NHelioBrowserWidgetBase::faviconChange, this,
             &NHelioBrowserTabDelegate::onFaviconChange);
     connect(browser, &NHelioBrowserWidgetBase::titleChanged, this, &NHelioBrowserTabDelegate::onTitleChanged);
+    // A tab that is made anew, as by a move, has what the browser shows already.
+    m_favicon = browser->favicon();
+    onTitleChanged(browser->title());
 }
 
 QIcon NHelioBrowserTabDelegate::getIcon(qreal devicePixelRatio) const

@@ -57,6 +57,8 @@ public:
     /** The URL that is shown or being loaded, fully encoded; empty before the first. */
     virtual QString currentUrl() const = 0;
     virtual QString title() const = 0;
+    /** The icon of the page that is shown; null until it has one. */
+    virtual QIcon favicon() const = 0;
 
     virtual void setToolbarVisible(bool visible) = 0;
     virtual void setFlag(int flag, bool on) = 0;

@@ -113,6 +113,8 @@ TEST_F(BrowserPage, ShowsItsUrlWhenTheBrowserArrives)
     pixmap.fill(Qt::red);
     browser->deliverFavicon({QIcon(pixmap)});
     EXPECT_FALSE(strip().tabIcon(0).isNull());
+    const NHelioBrowserTabDelegate madeAnew(nullptr, browser); // as for a tab that is moved
+    EXPECT_FALSE(madeAnew.getIcon(1).isNull());
 
     page->notify(s("no address"));
     page->notify(s("javascript:alert(1)"));
