@@ -144,8 +144,12 @@ function deliver(kind, target, text) {
   }
 }
 
+/** What came back with a call: the addressee's token, then deliveries. */
 function deliverAll(items, callId) {
-  for (let i = 0; i + 2 < items.length; i += 3) {
+  if (items[0] !== token) {
+    return;
+  }
+  for (let i = 1; i + 2 < items.length; i += 3) {
     deliver(items[i], items[i + 1] || callId, items[i + 2]);
   }
 }
@@ -183,10 +187,26 @@ Object.defineProperty(window, 'helio', {
   enumerable: true,
 });
 
-new QWebChannel(wire, (channel) => {
-  port = channel.objects.port;
-  port.message.connect(deliver);
+function deliverTo(addressee, kind, target, text) {
+  if (addressee === token) {
+    deliver(kind, target, text);
+  }
+}
+
+const channel = new QWebChannel(wire, ({ objects }) => {
+  port = objects.port;
+  port.message.connect(deliverTo);
   port.hello(setup.secret, origin, token, callPrefix);
   waiting.forEach((message) => message(port));
   waiting = [];
 });
+
+// The host may still be answering the document before this one, whose messages were counted from 0 as well: each
+// document counts from somewhere else, and what it has not asked for is not its answer.
+const { handleResponse } = channel;
+channel.execId = crypto.getRandomValues(new Uint32Array(1))[0] * 2 ** 20;
+channel.handleResponse = (message) => {
+  if (channel.execCallbacks[message.id]) {
+    handleResponse(message);
+  }
+};
