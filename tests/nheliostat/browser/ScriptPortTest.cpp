@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <set>
+
 using namespace nheliostat::browser;
 
 namespace {
@@ -171,7 +174,7 @@ TEST_F(ScriptPortTest, NumbersDocumentsAndTellsOfTheirEnd)
     const quint64 second = port.document();
     shownDocument(); // a reload
     EXPECT_EQ(ends.size(), 2);
-    EXPECT_EQ((QSet<quint64>{0, first, second, port.document()}).size(), 4);
+    EXPECT_EQ((std::set<quint64>{0, first, second, port.document()}).size(), 4U);
     port.forgetDocument();
     port.forgetDocument();
     EXPECT_EQ(ends.size(), 3);
