@@ -187,26 +187,17 @@ Object.defineProperty(window, 'helio', {
   enumerable: true,
 });
 
+/** A delivery may have been on its way to the document before this one. */
 function deliverTo(addressee, kind, target, text) {
   if (addressee === token) {
     deliver(kind, target, text);
   }
 }
 
-const channel = new QWebChannel(wire, ({ objects }) => {
-  port = objects.port;
+new QWebChannel(wire, (channel) => {
+  port = channel.objects.port;
   port.message.connect(deliverTo);
   port.hello(setup.secret, origin, token, callPrefix);
   waiting.forEach((message) => message(port));
   waiting = [];
 });
-
-// The host may still be answering the document before this one, whose messages were counted from 0 as well: each
-// document counts from somewhere else, and what it has not asked for is not its answer.
-const { handleResponse } = channel;
-channel.execId = crypto.getRandomValues(new Uint32Array(1))[0] * 2 ** 20;
-channel.handleResponse = (message) => {
-  if (channel.execCallbacks[message.id]) {
-    handleResponse(message);
-  }
-};
