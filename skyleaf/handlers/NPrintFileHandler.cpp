@@ -134,12 +134,12 @@ void NPrintFileHandler::printFileByZeo(NxWebViewJSContext& context)
     if (!QFileInfo(path).isFile())
         return replyFailed(context, QStringLiteral("localPath[%1] not exists").arg(path));
     context.reply()["resultStatus"] = "ok";
-    proxy->notifyOpenPrintFiles(window, path, fileId,
-                                [self = QPointer<NPrintFileHandler>(this),
-                                 document = context.document()](const QJsonObject& result) {
-                                    if (self)
-                                        self->raisePrintResult(document, result);
-                                });
+    proxy->notifyOpenPrintFiles(
+        window, path, fileId,
+        [self = QPointer<NPrintFileHandler>(this), document = context.document()](const QJsonObject& result) {
+            if (self)
+                self->raisePrintResult(document, result);
+        });
 }
 
 /** The event is an answer to the document that asked for the print. */

@@ -38,5 +38,6 @@ private:
                                       Target target) const;
     /** Starts a task that answers ok or `failure` to the callback. */
     template <typename Task>
-    void startWriting(Task* task, const NxWebViewJSCallback& callback, const QString& ok, const QString& failure);
+    void startWriting(Task* task, const NxWebViewJSCallback& callback, const QString& ok,
+                      const QString& failure);
 };

@@ -175,7 +175,8 @@ TEST_F(ScriptMethods, WhatADocumentWaitsForEndsWithIt)
     bridge->OnGetRoamingMode(true, QStringLiteral("request1"), {});
     bridge->onGetBatchUploadFileListState(true, QStringLiteral("request3"), {queued});
     bridge->onGetBatchDownloadCloudFilesState(true, QStringLiteral("request4"), {queued});
-    ASSERT_TRUE(waitUntil([this] { return bridge->findChildren<QNetworkReply*>().isEmpty(); })); // was checked
+    ASSERT_TRUE(
+        waitUntil([this] { return bridge->findChildren<QNetworkReply*>().isEmpty(); })); // was checked
     EXPECT_TRUE(functionCalls().isEmpty()) << functionCalls().join(u';').toStdString();
     EXPECT_TRUE(container->transport.resolved.empty());
 

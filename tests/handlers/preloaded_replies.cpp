@@ -85,9 +85,8 @@ TEST_F(PreloadedReplies, AnAnswerEndsWithTheDocumentThatWaitsForIt)
     prefetch(R"({"key":"k","dataCallbackName":"cb"})");
     prefetch(R"({"key":"late","dataCallbackName":"cb","timeout":0})");
     container.deliverNextDocument(*object);
-    EXPECT_EQ(log.lines().last(),
-              QStringLiteral("info [skyleaf] key: k,late, the document that waits is "
-                             "gone--NDOPWebviewPreloadHandler::forgetWaiting"));
+    EXPECT_EQ(log.lines().last(), QStringLiteral("info [skyleaf] key: k,late, the document that waits is "
+                                                 "gone--NDOPWebviewPreloadHandler::forgetWaiting"));
     deliver("k");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(handler->findChildren<QTimer*>().isEmpty());

@@ -232,7 +232,8 @@ TEST_F(ScriptBridge, AnswersNobodyButTheDocumentThatAsked)
     const auto answerAll = [this] {
         for (NxWebViewJSContext& context : bridge->kept) {
             context.reply()["n"] = 1;
-            bridge->callbackToJS(context.getCallback(QStringLiteral("callback")), QStringLiteral("{}"), false);
+            bridge->callbackToJS(context.getCallback(QStringLiteral("callback")), QStringLiteral("{}"),
+                                 false);
             NxWebViewJSContext fresh(context.document());
             fresh.parse(QStringLiteral("fake_method"), QStringLiteral("onState"), {});
             fresh.reply()["n"] = 1;

@@ -185,7 +185,8 @@ bool ScriptPort::canAnswer()
     if (hasDocument())
         return true;
     if (!std::exchange(m_dropLogged, true))
-        NxLoggerLite::writeInfo(logTag, QStringLiteral("answers to a document that is not shown are dropped"));
+        NxLoggerLite::writeInfo(logTag,
+                                QStringLiteral("answers to a document that is not shown are dropped"));
     return false;
 }
 

@@ -36,8 +36,7 @@ constexpr int longestNameInLog = 100;
 
 void logWarning(const QString& text, const char* where)
 {
-    NxLoggerLite::writeWarning(logTag,
-                               QStringLiteral("%1--%2").arg(text, QLatin1String(where)));
+    NxLoggerLite::writeWarning(logTag, QStringLiteral("%1--%2").arg(text, QLatin1String(where)));
 }
 
 } // namespace
@@ -175,9 +174,9 @@ bool NxWebViewAsynJSObject::isAnswerable(quint64 document, const QString& answer
         return true;
     if (std::exchange(d->goneDocument, document) != document) {
         NxLoggerLite::writeInfo(
-            logTag, QStringLiteral("the document that asked is gone, its answers are dropped: %1--%2")
-                        .arg(answer.left(longestNameInLog),
-                             QLatin1String("NxWebViewAsynJSObject::isAnswerable")));
+            logTag,
+            QStringLiteral("the document that asked is gone, its answers are dropped: %1--%2")
+                .arg(answer.left(longestNameInLog), QLatin1String("NxWebViewAsynJSObject::isAnswerable")));
     }
     return false;
 }

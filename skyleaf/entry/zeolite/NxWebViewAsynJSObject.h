@@ -36,8 +36,8 @@ public:
     virtual void fromJSAsynCall(const QString& text);
     virtual void fromJSAsynCallBase64(const QString& text);
     /**
-     * Calls the function `callback` of the document that is shown now, with `data`; `isBase64` says that data is
-     * already encoded so. For what is no answer.
+     * Calls the function `callback` of the document that is shown now, with `data`; `isBase64` says that data
+     * is already encoded so. For what is no answer.
      */
     virtual void callbackToJS(const QString& callback, const QString& data, bool isBase64);
     /** The same for an answer: the document that named the function gets it, or nobody. */
@@ -64,7 +64,8 @@ public:
     void ensureHandlers();
 
 Q_SIGNALS:
-    /** The document is gone; what was kept for its answers can be let go. Its successor may be shown already. */
+    /** The document is gone; what was kept for its answers can be let go. Its successor may be shown already.
+     */
     void documentEnded();
 
 private:

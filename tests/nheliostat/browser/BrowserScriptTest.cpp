@@ -107,11 +107,13 @@ TEST_F(BrowserTest, SettlesLateCallsUnlessTheirDocumentIsGone)
 
 TEST_F(BrowserTest, DeliversToTheDocumentThatIsAddressedOnly)
 {
-    auto& port = dynamic_cast<nheliostat::browser::ScriptPort&>(browser->webViewContainer()->scriptTransport());
+    auto& port =
+        dynamic_cast<nheliostat::browser::ScriptPort&>(browser->webViewContainer()->scriptTransport());
     const QSignalSpy ends(api.data(), &NxWebViewAsynJSObject::documentEnded);
     ASSERT_TRUE(load(docs("/")));
     const QString listen = text("window.got = []; window.f = (t) => got.push(t); helio.on('f', f);");
-    const QString finish = text("while (!got.includes('end')) await new Promise(setTimeout); return got.join()");
+    const QString finish =
+        text("while (!got.includes('end')) await new Promise(setTimeout); return got.join()");
     // What was sent to another document and comes in this one.
     evaluate(listen + text("history.pushState(1, '', '/inner'); history.replaceState(2, '', '/#part')"));
     for (const char* kind : {"f", "e"})

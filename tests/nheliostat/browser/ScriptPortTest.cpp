@@ -119,8 +119,8 @@ TEST_F(ScriptPortTest, ReturnsWhatIsDeliveredDuringTheCallInOrder)
         port.resolveCall(id, "{}");
         port.callFunction(text("after"), text("{}"));
     };
-    const QStringList expected{document.token, text("e"),  text("before"), text("data"),  text("r"), id,
-                               text("{}"),     text("f"),  text("after"),  text("{}")};
+    const QStringList expected{document.token, text("e"), text("before"), text("data"), text("r"), id,
+                               text("{}"),     text("f"), text("after"),  text("{}")};
     EXPECT_EQ(port.fromJSAsynCall(document.token, text("call")), expected);
     EXPECT_TRUE(messages.isEmpty());
 
