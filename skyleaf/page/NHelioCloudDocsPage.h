@@ -14,6 +14,7 @@
 #include <QDateTime>
 #include <QJsonObject>
 #include <QNetworkCookie>
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>

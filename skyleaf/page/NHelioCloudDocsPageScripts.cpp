@@ -18,8 +18,8 @@ void NHelioCloudDocsPage::onReplyCame(const QString& name, const QByteArray& bod
 }
 
 /**
- * The transfers of storage packages that the document's script asks for, whose results reach the bridge. They end
- * with the document or the bridge; null without a bridge.
+ * The transfers of storage packages that the document's script asks for, whose results reach the bridge. They
+ * end with the document or the bridge; null without a bridge.
  */
 NCloudDocsRequestTask* NHelioCloudDocsPage::transfers()
 {
