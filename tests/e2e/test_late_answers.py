@@ -1,5 +1,6 @@
 """Answers that come when the document that asked is gone: the next document of the tab never gets them."""
 
+import glob
 import json
 import os
 import signal
@@ -48,6 +49,15 @@ class LateAnswersTest(PackageCase):
         self.assertIsNotNone(self.service)
         os.kill(self.service, signal.SIGSTOP)
         self.addCleanup(self.continue_service)
+        self.until(self.is_service_stopped, "the service stands still")
+
+    def is_service_stopped(self):
+        """A signal reaches the threads one after the other."""
+        states = []
+        for path in glob.glob("/proc/%d/task/*/stat" % self.service):
+            with open(path, encoding="utf-8", errors="replace") as file:
+                states.append(file.read().rpartition(")")[2].split()[0])
+        return set(states) == {"T"}
 
     def continue_service(self):
         if self.service:
@@ -96,7 +106,7 @@ class LateAnswersTest(PackageCase):
         def go():
             shell.evaluate(page, "setTimeout(() => { location.href = %s; }, 0); return 1" % json.dumps(drive + "/"))
             self.wait_for_url(shell, page, drive)
-            shell.evaluate(page, "while (document.readyState !== 'complete') await new Promise((r) => setTimeout(r, 20)); return 1")
+            self.until_page(shell, page, "document.readyState === 'complete'")
 
         self.check(self.late_answers(shell, page, go))
 
