@@ -45,7 +45,7 @@ export function interfaceDocs() {
     'Made by `demo/webapp/interfaceDocs.mjs` from the table that the site\'s page `/interface.html` calls. The web application reaches all of it as',
     '`window.helio.call(name, arguments)`, which promises the reply. "no answer" means that the promise stays open. A function is one of `window`; it gets',
     'one text, the JSON shown. Markers such as *text* stand for any value of that kind; members with a "?" may be missing. A method may stand here several',
-    'times, with what it answers to other arguments.\n',
+    'times, with what it answers to other arguments. Answers end with the document that asked: the next document of the tab gets none of them.\n',
     ...sections,
   ].join('\n');
 }

@@ -80,7 +80,7 @@ void NHelioCloudDocsAsynJsObj::getVlt_sid(NxWebViewJSContext& context)
 
 void NHelioCloudDocsAsynJsObj::registerCookieUpdateHandler(NxWebViewJSContext& context)
 {
-    m_loginCallback = context.getValue(QStringLiteral("callback"), QString()).toString();
+    m_loginCallback = context.getCallback(QStringLiteral("callback"));
 }
 
 void NHelioCloudDocsAsynJsObj::notifyLoginStatus()
@@ -96,7 +96,7 @@ void NHelioCloudDocsAsynJsObj::notifyLoginStatus()
                                         {QStringLiteral("vltkey"), user.sessionKey}});
 }
 
-void NHelioCloudDocsAsynJsObj::callNamedCallback(const QString& callback, const QJsonObject& data)
+void NHelioCloudDocsAsynJsObj::callNamedCallback(const NxWebViewJSCallback& callback, const QJsonObject& data)
 {
     if (!callback.isEmpty())
         callbackToJS(callback, onOneLine(QString::fromUtf8(QJsonDocument(data).toJson())), false);
@@ -146,7 +146,7 @@ void NHelioCloudDocsAsynJsObj::checkNetwork(NxWebViewJSContext& context)
 {
     context.reply()["ignoreThisJsCallback"] = "true";
     // The context deletes itself.
-    new CheckNetworkContext(context.getValue(QStringLiteral("callback"), QString()).toString(),
+    new CheckNetworkContext(context.getCallback(QStringLiteral("callback")),
                             m_network->get(QNetworkRequest(networkCheckUrl())), this);
 }
 

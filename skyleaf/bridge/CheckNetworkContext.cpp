@@ -13,7 +13,7 @@ constexpr int longestCheckMs = 5000;
 
 } // namespace
 
-CheckNetworkContext::CheckNetworkContext(QString callback, QNetworkReply* reply,
+CheckNetworkContext::CheckNetworkContext(NxWebViewJSCallback callback, QNetworkReply* reply,
                                          NxWebViewAsynJSObject* bridge)
     : m_callback(std::move(callback))
     , m_reply(reply)
@@ -54,8 +54,8 @@ void CheckNetworkContext::answer(const char* status)
     deleteLater();
     if (!m_bridge || m_callback.isEmpty())
         return;
-    NxWebViewJSContext context;
-    context.parse(QStringLiteral("fake_method"), m_callback, {});
+    NxWebViewJSContext context(m_callback.document);
+    context.parse(QStringLiteral("fake_method"), m_callback.name, {});
     context.reply()["status"] = status;
     m_bridge->publishResult(context);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zeolite/NxWebViewJSCallback.h"
+
 #include <QNetworkReply>
 #include <QObject>
 #include <QPointer>
@@ -16,7 +18,7 @@ class CheckNetworkContext : public QObject
     Q_OBJECT
 public:
     /** Takes the reply over. The bridge may go before the check has ended. */
-    CheckNetworkContext(QString callback, QNetworkReply* reply, NxWebViewAsynJSObject* bridge);
+    CheckNetworkContext(NxWebViewJSCallback callback, QNetworkReply* reply, NxWebViewAsynJSObject* bridge);
     ~CheckNetworkContext() override;
 
 public Q_SLOTS:
@@ -27,7 +29,7 @@ public Q_SLOTS:
 private:
     void answer(const char* status);
 
-    const QString m_callback;
+    const NxWebViewJSCallback m_callback;
     const QPointer<QNetworkReply> m_reply;
     const QPointer<NxWebViewAsynJSObject> m_bridge;
     bool m_answered = false;

@@ -47,6 +47,7 @@ NHelioCloudDocsAsynJsObj::NHelioCloudDocsAsynJsObj(QObject* parent, NxWebViewCon
             &NHelioCloudDocsAsynJsObj::onGetDownloadStateTimerTimeout);
     connect(this, &NHelioCloudDocsAsynJsObj::sigSendFile, this, &NHelioCloudDocsAsynJsObj::onSendFile,
             Qt::QueuedConnection);
+    connect(this, &NxWebViewAsynJSObject::documentEnded, this, &NHelioCloudDocsAsynJsObj::forgetDocument);
 
     const NHelioApplication* application = NHelioApplication::instance();
     if (NHelioCloudSvrProxy* proxy = application ? application->cloudSvrProxy() : nullptr) {
@@ -56,6 +57,16 @@ NHelioCloudDocsAsynJsObj::NHelioCloudDocsAsynJsObj(QObject* parent, NxWebViewCon
 }
 
 NHelioCloudDocsAsynJsObj::~NHelioCloudDocsAsynJsObj() = default;
+
+void NHelioCloudDocsAsynJsObj::forgetDocument()
+{
+    m_uploadCallback = {};
+    m_downloadCallback = {};
+    m_loginCallback = {};
+    m_pendingContexts.clear();
+    endUploadWatch();
+    endDownloadWatch();
+}
 
 void NHelioCloudDocsAsynJsObj::setPage(NHelioAppPage* page)
 {

@@ -4,6 +4,7 @@
 #include "nheliostat/NHelioCloudSvrProxy.h"
 #include "nheliostat/NHelioCommonJSAPI.h"
 
+#include <QHash>
 #include <QJsonObject>
 #include <QMap>
 #include <QNetworkAccessManager>
@@ -129,6 +130,8 @@ public Q_SLOTS:
     void onSendFile(const QVariantMap& arguments);
 
 private:
+    /** The document is gone: what it waits for is let go. */
+    void forgetDocument();
     void initDriveHandler();
     void initStorageHandlers();
     void openFileImpl(const OpenArguments& arguments);
@@ -139,17 +142,22 @@ private:
     void collectFolderFiles(const QString& folder);
     /** The folders that were not watched before. */
     QStringList watchFolderDownloads(const QStringList& folderIds);
+    void endUploadWatch();
     void endDownloadWatch();
+    /** Asks the cloud service for the states of transfers. */
+    void queryStates(const QString& function, const QSet<QString>& names, const char* slot);
+    /** Whether a reply of the cloud service to a question about transfers is the present document's. */
+    bool isOfPresentDocument(const QString& requestId);
     /** Calls a function of the page that it gave a name of; nothing without a name. */
-    void callNamedCallback(const QString& callback, const QJsonObject& data);
+    void callNamedCallback(const NxWebViewJSCallback& callback, const QJsonObject& data);
     /** What came of it, for the page. */
     QString closeCooperation(const QVariantMap& arguments);
     QString returnFromLocalDocument(const QString& fileId);
     static void setReplyStatus(NxWebViewJSContext& context, bool ok, const QString& message);
 
-    QString m_uploadCallback;
-    QString m_downloadCallback;
-    QString m_loginCallback;
+    NxWebViewJSCallback m_uploadCallback;
+    NxWebViewJSCallback m_downloadCallback;
+    NxWebViewJSCallback m_loginCallback;
     QMap<QString, NxWebViewJSContext> m_pendingContexts;
     QNetworkAccessManager* m_network = nullptr;
     NHelioAppPage* m_page = nullptr;
@@ -159,6 +167,7 @@ private:
     QTimer m_uploadStateTimer;
     QTimer m_downloadStateTimer;
     int m_idleDownloadPolls = 0;
+    QHash<QString, quint64> m_transferRequests; //!< open requests and the documents they are made for
     QString m_lastDir;
     NHelioBrowserWidgetBase* m_browser = nullptr;
     std::unique_ptr<NHelioBrowserPageProxy> m_pageProxy;

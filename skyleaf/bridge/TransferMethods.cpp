@@ -38,14 +38,6 @@ QString joined(const QSet<QString>& texts)
     return QStringList(texts.begin(), texts.end()).join(QLatin1Char('|'));
 }
 
-/** Asks the service for states; the function takes all names in one text. */
-void queryStates(const QString& function, const QSet<QString>& names, QObject* receiver, const char* slot)
-{
-    const QStringList argument{joined(names)};
-    if (NHelioCloudSvrProxy* proxy = shellaccess::cloudService())
-        proxy->invokeCloudFunction(function, Q_ARG(QStringList, argument), receiver, slot);
-}
-
 /** The files and folders among the entries of a download. */
 struct DownloadIds
 {
@@ -68,12 +60,33 @@ struct DownloadIds
 
 void NHelioCloudDocsAsynJsObj::fileUploadListener(NxWebViewJSContext& context)
 {
-    m_uploadCallback = context.getValue(QStringLiteral("callback"), QString()).toString();
+    m_uploadCallback = context.getCallback(QStringLiteral("callback"));
 }
 
 void NHelioCloudDocsAsynJsObj::fileDownloadListener(NxWebViewJSContext& context)
 {
-    m_downloadCallback = context.getValue(QStringLiteral("callback"), QString()).toString();
+    m_downloadCallback = context.getCallback(QStringLiteral("callback"));
+}
+
+/** The function takes all names in one text. */
+void NHelioCloudDocsAsynJsObj::queryStates(const QString& function, const QSet<QString>& names,
+                                           const char* slot)
+{
+    const QStringList argument{joined(names)};
+    if (NHelioCloudSvrProxy* proxy = shellaccess::cloudService()) {
+        m_transferRequests.insert(
+            proxy->invokeCloudFunction(function, Q_ARG(QStringList, argument), this, slot), document());
+    }
+}
+
+bool NHelioCloudDocsAsynJsObj::isOfPresentDocument(const QString& requestId)
+{
+    const auto request = m_transferRequests.constFind(requestId);
+    if (request == m_transferRequests.constEnd())
+        return true;
+    const quint64 asker = *request;
+    m_transferRequests.erase(request);
+    return isAnswerable(asker, QStringLiteral("states of transfers"));
 }
 
 void NHelioCloudDocsAsynJsObj::showFileUploadProgress(NxWebViewJSContext&)
@@ -100,7 +113,7 @@ void NHelioCloudDocsAsynJsObj::callFileUploader(NxWebViewJSContext& context)
     const QPointer<NHelioCloudDocsAsynJsObj> self = this; // the page may close while the dialog is open
     const QStringList chosen = isFolder ? cloudfiledialog::showUploadFolderDialog(m_lastDir, m_page)
                                         : cloudfiledialog::showUploadFileDialog(m_lastDir, m_page);
-    if (!self)
+    if (!self || !isAnswerable(context.document(), context.method()))
         return;
     if (isFolder) {
         for (const QString& folder : chosen) {
@@ -183,20 +196,30 @@ void NHelioCloudDocsAsynJsObj::onBatchUploadFileListToAnyExistedPath(bool, const
 
 void NHelioCloudDocsAsynJsObj::onGetUploadStateTimerTimeout()
 {
-    queryStates(QStringLiteral("getBatchUploadFileListState"), m_uploadPaths, this,
+    queryStates(QStringLiteral("getBatchUploadFileListState"), m_uploadPaths,
                 "onGetBatchUploadFileListState");
 }
 
-void NHelioCloudDocsAsynJsObj::onGetBatchUploadFileListState(bool, const QString&, const NRpcResponse& reply)
+void NHelioCloudDocsAsynJsObj::onGetBatchUploadFileListState(bool, const QString& requestId,
+                                                             const NRpcResponse& reply)
 {
+    if (!isOfPresentDocument(requestId))
+        return;
     UploadWatch& watch = uploadWatch();
     const QString report = watch.takeIn(m_uploadPaths, reply.values);
-    if (!watch.isAnyActive()) {
-        m_uploadStateTimer.stop();
-        m_uploadPaths.clear();
-        watch.forgetReported();
-    }
+    if (!watch.isAnyActive())
+        endUploadWatch();
     callbackToJS(m_uploadCallback, report, false);
+}
+
+void NHelioCloudDocsAsynJsObj::endUploadWatch()
+{
+    UploadWatch& watch = uploadWatch();
+    m_uploadStateTimer.stop();
+    watch.forget(m_uploadPaths);
+    m_uploadPaths.clear();
+    if (!watch.isAnyActive())
+        watch.forgetReported();
 }
 
 void NHelioCloudDocsAsynJsObj::callFileDownload(NxWebViewJSContext& context)
@@ -207,7 +230,9 @@ void NHelioCloudDocsAsynJsObj::callFileDownload(NxWebViewJSContext& context)
 
     const QPointer<NHelioCloudDocsAsynJsObj> self = this; // the page may close while the dialog is open
     const QString directory = cloudfiledialog::showDownloadPathDialog(m_lastDir, m_page);
-    if (!self || directory.isEmpty() || (ids.files.isEmpty() && ids.folders.isEmpty()))
+    if (!self || !isAnswerable(context.document(), context.method()))
+        return;
+    if (directory.isEmpty() || (ids.files.isEmpty() && ids.folders.isEmpty()))
         return;
     m_lastDir = directory;
     NHelioCloudSvrProxy* proxy = shellaccess::cloudService();
@@ -217,8 +242,11 @@ void NHelioCloudDocsAsynJsObj::callFileDownload(NxWebViewJSContext& context)
             proxy->downloadDir(groupId, started, directory, this, QString());
         startPolling(m_downloadStateTimer);
     }
-    if (!ids.files.isEmpty() && proxy)
-        proxy->downloadCloudFiles(ids.files, directory, historyId, this, "onBatchDownloadCloudFilesToPath");
+    if (!ids.files.isEmpty() && proxy) {
+        m_transferRequests.insert(proxy->downloadCloudFiles(ids.files, directory, historyId, this,
+                                                            "onBatchDownloadCloudFilesToPath"),
+                                  document());
+    }
     shellaccess::reportOpenStart(QStringLiteral("clouddriver_download"), NHelioCollectInfoHelper::Unknown);
 }
 
@@ -235,9 +263,11 @@ QStringList NHelioCloudDocsAsynJsObj::watchFolderDownloads(const QStringList& fo
     return started;
 }
 
-void NHelioCloudDocsAsynJsObj::onBatchDownloadCloudFilesToPath(bool, const QString&,
+void NHelioCloudDocsAsynJsObj::onBatchDownloadCloudFilesToPath(bool, const QString& requestId,
                                                                const DownloadCloudFilesResult& result)
 {
+    if (!isOfPresentDocument(requestId))
+        return;
     for (const QByteArray& taskId : result.taskIds)
         m_downloadTaskIds.insert(QString::fromUtf8(taskId));
     startPolling(m_downloadStateTimer);
@@ -245,13 +275,15 @@ void NHelioCloudDocsAsynJsObj::onBatchDownloadCloudFilesToPath(bool, const QStri
 
 void NHelioCloudDocsAsynJsObj::onGetDownloadStateTimerTimeout()
 {
-    queryStates(QStringLiteral("getBatchDownloadCloudFilesState"), m_downloadTaskIds, this,
+    queryStates(QStringLiteral("getBatchDownloadCloudFilesState"), m_downloadTaskIds,
                 "onGetBatchDownloadCloudFilesState");
 }
 
-void NHelioCloudDocsAsynJsObj::onGetBatchDownloadCloudFilesState(bool, const QString&,
+void NHelioCloudDocsAsynJsObj::onGetBatchDownloadCloudFilesState(bool, const QString& requestId,
                                                                  const NRpcResponse& reply)
 {
+    if (!isOfPresentDocument(requestId))
+        return;
     const DownloadState state = DownloadState::parse(reply.values.value(QStringLiteral("jsonConten")));
     if (state.isIdle && m_idleDownloadPolls >= idlePollsToEnd)
         endDownloadWatch();

@@ -34,6 +34,8 @@ public:
      * is under way, "failed", "success".
      */
     QString takeIn(const QSet<QString>& paths, const QMap<QString, QString>& records);
+    /** Nobody asks for the states of these paths any more. */
+    void forget(const QSet<QString>& paths) { m_activeUploads.subtract(paths); }
     bool isAnyActive() const { return !m_activeUploads.isEmpty(); }
     /** Forgets which uploads were reported as finished. */
     void forgetReported() { m_reportedUploads.clear(); }

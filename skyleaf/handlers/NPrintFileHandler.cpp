@@ -134,15 +134,19 @@ void NPrintFileHandler::printFileByZeo(NxWebViewJSContext& context)
     if (!QFileInfo(path).isFile())
         return replyFailed(context, QStringLiteral("localPath[%1] not exists").arg(path));
     context.reply()["resultStatus"] = "ok";
-    proxy->notifyOpenPrintFiles(window, path, fileId,
-                                [self = QPointer<NPrintFileHandler>(this)](const QJsonObject& result) {
-                                    if (self)
-                                        self->raisePrintResult(result);
-                                });
+    proxy->notifyOpenPrintFiles(
+        window, path, fileId,
+        [self = QPointer<NPrintFileHandler>(this), document = context.document()](const QJsonObject& result) {
+            if (self)
+                self->raisePrintResult(document, result);
+        });
 }
 
-void NPrintFileHandler::raisePrintResult(const QJsonObject& result) const
+/** The event is an answer to the document that asked for the print. */
+void NPrintFileHandler::raisePrintResult(quint64 document, const QJsonObject& result) const
 {
-    if (NxJSApiEventHandler* events = scriptObject() ? scriptObject()->eventHandler() : nullptr)
-        events->raiseEvent(QStringLiteral("notifyPrintResult"), JsonHelper::convertQJsonToString(result));
+    const QString event = QStringLiteral("notifyPrintResult");
+    NxJSApiEventHandler* const events = scriptObject() ? scriptObject()->eventHandler() : nullptr;
+    if (events && scriptObject()->isAnswerable(document, event))
+        events->raiseEvent(event, JsonHelper::convertQJsonToString(result));
 }

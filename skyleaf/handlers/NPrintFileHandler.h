@@ -21,7 +21,7 @@ public Q_SLOTS:
     void printFileByZeo(NxWebViewJSContext& context);
 
 private:
-    void raisePrintResult(const QJsonObject& result) const;
+    void raisePrintResult(quint64 document, const QJsonObject& result) const;
 
     QPointer<QObject> m_host;
 };

@@ -21,6 +21,8 @@
 
 namespace {
 
+const QString callbackArgument = QStringLiteral("callback");
+
 QString text(const QVariantMap& arguments, const char* name)
 {
     return arguments.value(QLatin1String(name)).toString();
@@ -121,7 +123,7 @@ void NDOPStorageFileHandler::create(NxWebViewJSContext& context)
 void NDOPStorageFileHandler::read(NxWebViewJSContext& context)
 {
     const QVariantMap arguments = parseContextArgs(context, true);
-    const QString callback = text(arguments, "dataCallbackName");
+    const NxWebViewJSCallback callback = context.getCallback(QStringLiteral("dataCallbackName"));
     if (callback.isEmpty())
         return replyError(context, QStringLiteral("readDataCB isEmpty"));
     const std::optional<QString> path = targetPath(context, arguments, Target::Existing);
@@ -133,6 +135,8 @@ void NDOPStorageFileHandler::read(NxWebViewJSContext& context)
     connect(
         task, &NReadTask::finished, this,
         [this, callback, isBase64](bool ok, const QByteArray& data) {
+            if (!isAwaited(callback))
+                return;
             if (!ok)
                 return callBack(callback, failText({}));
             const QJsonObject page{{QStringLiteral("cur"), 0}, {QStringLiteral("total"), 1}};
@@ -146,7 +150,7 @@ void NDOPStorageFileHandler::read(NxWebViewJSContext& context)
 }
 
 template <typename Task>
-void NDOPStorageFileHandler::startWriting(Task* task, const QString& callback, const QString& ok,
+void NDOPStorageFileHandler::startWriting(Task* task, const NxWebViewJSCallback& callback, const QString& ok,
                                           const QString& failure)
 {
     connect(
@@ -158,7 +162,7 @@ void NDOPStorageFileHandler::startWriting(Task* task, const QString& callback, c
 void NDOPStorageFileHandler::update(NxWebViewJSContext& context)
 {
     const QVariantMap arguments = parseContextArgs(context, true);
-    const QString callback = text(arguments, "callback");
+    const NxWebViewJSCallback callback = context.getCallback(callbackArgument);
     if (callback.isEmpty())
         return replyError(context, QStringLiteral("callBack isEmpty"));
     const std::optional<QString> path = targetPath(context, arguments, Target::File);
@@ -173,7 +177,7 @@ void NDOPStorageFileHandler::update(NxWebViewJSContext& context)
 void NDOPStorageFileHandler::remove(NxWebViewJSContext& context)
 {
     const QVariantMap arguments = parseContextArgs(context, true);
-    const QString callback = text(arguments, "callback");
+    const NxWebViewJSCallback callback = context.getCallback(callbackArgument);
     if (callback.isEmpty())
         return replyError(context, QStringLiteral("callBack isEmpty"));
     if (const auto path = targetPath(context, arguments, Target::Existing))
@@ -189,7 +193,9 @@ void NDOPStorageFileHandler::readDataSteam(NxWebViewJSContext& context)
     auto* task = new NReadDataSteamTask(*path);
     connect(
         task, &NReadDataSteamTask::finished, this,
-        [this, callback = text(arguments, "callback")](bool ok, const QByteArray& data) {
+        [this, callback = context.getCallback(callbackArgument)](bool ok, const QByteArray& data) {
+            if (!isAwaited(callback))
+                return;
             callBack(callback,
                      ok ? nlargereply::withText(data) : failText(QStringLiteral("read data steam fail")));
         },
@@ -207,7 +213,7 @@ void NDOPStorageFileHandler::writeDataSteam(NxWebViewJSContext& context)
     const QString ok = JsonHelper::convertQJsonToString(
         {{QStringLiteral("callstatus"), QStringLiteral("ok")}, {QStringLiteral("result"), result}});
     startWriting(new NWriteDataSteamTask(*path, text(arguments, "data").toUtf8(), flag(arguments, "append")),
-                 text(arguments, "callback"), ok, QStringLiteral("write data steam fail"));
+                 context.getCallback(callbackArgument), ok, QStringLiteral("write data steam fail"));
 }
 
 void NDOPStorageFileHandler::unzip(NxWebViewJSContext& context)
@@ -236,7 +242,7 @@ void NDOPStorageFileHandler::unzip(NxWebViewJSContext& context)
     const QString requestId =
         proxy->unzipDOPFile(localId, flagText(arguments, "isCompress"), flagText(arguments, "isRemoveZip"),
                             *source, *destination, this, "onUnzip");
-    m_pendingCallbacks.insert(requestId, text(arguments, "callback"));
+    m_pendingCallbacks.insert(requestId, context.getCallback(callbackArgument));
 }
 
 void NDOPStorageFileHandler::onUnzip(bool success, const QString& requestId, const TavaIpcResult& result)
@@ -245,10 +251,4 @@ void NDOPStorageFileHandler::onUnzip(bool success, const QString& requestId, con
         return;
     callBack(m_pendingCallbacks.take(requestId),
              success ? makeOkResult() : makeFailResult(result.code, QStringLiteral("unzip error")));
-}
-
-void NDOPStorageFileHandler::callBack(const QString& callback, const QString& reply) const
-{
-    if (!callback.isEmpty() && scriptObject())
-        scriptObject()->callbackToJS(callback, reply, false);
 }

@@ -38,6 +38,6 @@ private:
                                       Target target) const;
     /** Starts a task that answers ok or `failure` to the callback. */
     template <typename Task>
-    void startWriting(Task* task, const QString& callback, const QString& ok, const QString& failure);
-    void callBack(const QString& callback, const QString& reply) const;
+    void startWriting(Task* task, const NxWebViewJSCallback& callback, const QString& ok,
+                      const QString& failure);
 };

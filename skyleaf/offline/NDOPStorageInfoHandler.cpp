@@ -81,7 +81,7 @@ IStorageTransferHost* NDOPStorageInfoHandler::transferHost(NxWebViewJSContext& c
 
 void NDOPStorageInfoHandler::keepCallback(const NxWebViewJSContext& context, const QString& requestId)
 {
-    m_pendingCallbacks.insert(requestId, context.getValue(QStringLiteral("callback")).toString());
+    m_pendingCallbacks.insert(requestId, context.getCallback(QStringLiteral("callback")));
 }
 
 void NDOPStorageInfoHandler::create(NxWebViewJSContext& context)
@@ -153,18 +153,12 @@ void NDOPStorageInfoHandler::answer(const QString& operation, bool success, cons
 {
     if (!m_pendingCallbacks.contains(requestId))
         return;
-    const QString callback = m_pendingCallbacks.take(requestId);
+    const NxWebViewJSCallback callback = m_pendingCallbacks.take(requestId);
     if (!success || result.code != 0)
         return callBack(callback, makeFailResult(result.code, operation + QStringLiteral(" error")));
     callBack(callback,
              withData ? okText(JsonHelper::convertStringToQJson(result.values.value(QStringLiteral("data"))))
                       : makeOkResult());
-}
-
-void NDOPStorageInfoHandler::callBack(const QString& callback, const QString& reply) const
-{
-    if (!callback.isEmpty() && scriptObject())
-        scriptObject()->callbackToJS(callback, reply, false);
 }
 
 void NDOPStorageInfoHandler::upload(NxWebViewJSContext& context)
@@ -180,7 +174,7 @@ void NDOPStorageInfoHandler::upload(NxWebViewJSContext& context)
     const QString root = localPckRootPath(transfer.localId);
     if (root.isEmpty())
         return replyError(context, QStringLiteral("localPckRootPath isEmpty"));
-    m_uploadCallback = context.getValue(QStringLiteral("callback")).toString();
+    m_uploadCallback = context.getCallback(QStringLiteral("callback"));
     const auto zipPath = npackageplace::pathOf(npackageplace::resolvedRoot(root), transfer.relativePos);
     if (!zipPath || !QFileInfo(*zipPath).isFile())
         return replyError(context, QStringLiteral("uploadZipFile not exist"));
@@ -208,7 +202,7 @@ void NDOPStorageInfoHandler::download(NxWebViewJSContext& context)
         present.exists() && !present.isFile() && !present.isDir(); // a pipe would hold the download
     if (isOdd || !npackagefiles::isPlaceWithin(root, path))
         return replyError(context, QStringLiteral("relativePos is invalid"));
-    m_downloadCallback = context.getValue(QStringLiteral("callback")).toString();
+    m_downloadCallback = context.getCallback(QStringLiteral("callback"));
     host->downloadPackage(transfer.address, path);
 }
 

@@ -44,9 +44,8 @@ private:
     void keepCallback(const NxWebViewJSContext& context, const QString& requestId);
     void answer(const QString& operation, bool success, const QString& requestId, const TavaIpcResult& result,
                 bool withData = true);
-    void callBack(const QString& callback, const QString& reply) const;
 
     QPointer<QObject> m_host;
-    QString m_uploadCallback;
-    QString m_downloadCallback;
+    NxWebViewJSCallback m_uploadCallback;
+    NxWebViewJSCallback m_downloadCallback;
 };

@@ -38,6 +38,10 @@ NDOPWebviewPreloadHandler::NDOPWebviewPreloadHandler(QObject* parent, NxWebViewA
     : NDocsOfflinePageJSApiHandlerBase(parent, scriptObject)
     , m_host(host)
 {
+    if (scriptObject) {
+        connect(scriptObject, &NxWebViewAsynJSObject::documentEnded, this,
+                &NDOPWebviewPreloadHandler::forgetWaiting);
+    }
 }
 
 const IPreloadedReplies* NDOPWebviewPreloadHandler::preloadedReplies() const
@@ -49,7 +53,7 @@ void NDOPWebviewPreloadHandler::prefetch(NxWebViewJSContext& context)
 {
     const QVariantMap arguments = parseContextArgs(context, true);
     const QString key = arguments.value(QStringLiteral("key")).toString();
-    const QString callback = arguments.value(QStringLiteral("dataCallbackName")).toString();
+    const NxWebViewJSCallback callback = context.getCallback(QStringLiteral("dataCallbackName"));
     if (key.isEmpty() || callback.isEmpty())
         return replyError(context, QStringLiteral("param isEmpty"));
     const IPreloadedReplies* replies = preloadedReplies();
@@ -88,11 +92,23 @@ void NDOPWebviewPreloadHandler::cancelTimer(const QString& key)
     }
 }
 
+void NDOPWebviewPreloadHandler::forgetWaiting()
+{
+    if (m_waiting.isEmpty())
+        return;
+    const QStringList keys = m_waiting.keys();
+    for (const QString& key : keys)
+        cancelTimer(key);
+    m_waiting.clear();
+    ndocslog::info(QStringLiteral("key: %1, the document that waits is gone").arg(keys.join(u',')),
+                   "NDOPWebviewPreloadHandler::forgetWaiting");
+}
+
 void NDOPWebviewPreloadHandler::notifyDOPPreloadData(const QString& key, const QByteArray& body,
                                                      qint64 startMs, qint64 endMs, const QString& error)
 {
     cancelTimer(key);
-    const QString callback = m_waiting.take(key);
+    const NxWebViewJSCallback callback = m_waiting.take(key);
     if (callback.isEmpty())
         return;
     QJsonObject result{
@@ -106,8 +122,7 @@ void NDOPWebviewPreloadHandler::notifyDOPPreloadData(const QString& key, const Q
     }
     const QString answer = nlargereply::withBody(
         body, result, {{QStringLiteral("callstatus"), QStringLiteral("ok")}, {QStringLiteral("err"), error}});
-    if (scriptObject())
-        scriptObject()->callbackToJS(callback, answer, false);
+    callBack(callback, answer);
     ndocslog::info(QStringLiteral("key: %1, preloadData callbackToJS").arg(key),
                    "NDOPWebviewPreloadHandler::notifyDOPPreloadData");
 }

@@ -32,8 +32,9 @@ private:
     const IPreloadedReplies* preloadedReplies() const;
     void startTimer(const QString& key, int timeoutMs);
     void cancelTimer(const QString& key);
+    void forgetWaiting();
 
-    QMap<QString, QString> m_waiting; //!< key to script callback name
+    QMap<QString, NxWebViewJSCallback> m_waiting; //!< by key, of the present document only
     QMap<QString, QPointer<QTimer>> m_timers;
     QPointer<QObject> m_host;
 };

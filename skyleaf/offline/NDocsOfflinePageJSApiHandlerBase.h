@@ -9,7 +9,7 @@ class NDocsOfflinePageJSApiHandlerBase : public NxWebViewJSApiHandler
 {
     Q_OBJECT
 public:
-    using NxWebViewJSApiHandler::NxWebViewJSApiHandler;
+    explicit NDocsOfflinePageJSApiHandlerBase(QObject* parent, NxWebViewAsynJSObject* scriptObject = nullptr);
 
     /** {"callstatus": "fail", "err": message, "ipcerrorcode": code} as JSON text. */
     virtual QString makeFailResult(int code, const QString& message) const;
@@ -19,5 +19,13 @@ public:
     virtual void replyError(NxWebViewJSContext& context, const QString& message) const;
 
 protected:
-    QMap<QString, QString> m_pendingCallbacks; //!< request id to script callback name
+    /** Whether there is a function that waits for an answer, in a document that is still there. */
+    bool isAwaited(const NxWebViewJSCallback& callback) const;
+    /** Answers the function; nothing when none was named or its document is gone. */
+    void callBack(const NxWebViewJSCallback& callback, const QString& reply) const;
+
+    QMap<QString, NxWebViewJSCallback> m_pendingCallbacks; //!< by request id, of the present document only
+
+private:
+    void forgetPendingCallbacks();
 };

@@ -14,6 +14,7 @@
 #include <QDateTime>
 #include <QJsonObject>
 #include <QNetworkCookie>
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>
@@ -213,7 +214,7 @@ private:
     QString serviceStartPage() const;
     void recordFileTypes(const QString& fileType, const QString& readyFileId);
     void _updateCookies(bool force);
-    NCloudDocsRequestTask& transfers();
+    NCloudDocsRequestTask* transfers();
     NOpenTelemetry::PageStage stage() const;
     QString browserUrl() const;
 
@@ -234,7 +235,7 @@ private:
     NOpenTelemetry m_telemetry;
     NPageCookies m_cookies;
     NTakeOver m_takeOver;
-    std::unique_ptr<NCloudDocsRequestTask> m_transfers; //!< of scripts; they outlive a load
+    QPointer<NCloudDocsRequestTask> m_transfers; //!< of the document's script; the bridge's child
     std::unique_ptr<NCloudDocsPageProxyManager> m_proxyManager;
     LoadPtr m_load; //!< never null
 };

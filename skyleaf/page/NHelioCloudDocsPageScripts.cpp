@@ -17,27 +17,40 @@ void NHelioCloudDocsPage::onReplyCame(const QString& name, const QByteArray& bod
         m_jsObj->forwardPreloadRequest(name, body, startMs, endMs);
 }
 
-/** The transfers of storage packages, whose results reach the bridge. */
-NCloudDocsRequestTask& NHelioCloudDocsPage::transfers()
+/**
+ * The transfers of storage packages that the document's script asks for, whose results reach the bridge. They
+ * end with the document or the bridge; null without a bridge.
+ */
+NCloudDocsRequestTask* NHelioCloudDocsPage::transfers()
 {
-    if (!m_transfers)
-        m_transfers = std::make_unique<NCloudDocsRequestTask>(nullptr);
-    if (m_jsObj)
-        connect(m_transfers.get(), &NCloudDocsRequestTask::sigRequestFromApiFinished, m_jsObj,
-                &NHelioCloudDocsAsynJsObj::onNetworkRequestFinish,
-                static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::UniqueConnection));
-    return *m_transfers;
+    if (!m_jsObj)
+        return nullptr;
+    if (m_transfers && m_transfers->parent() == m_jsObj)
+        return m_transfers;
+    m_transfers = new NCloudDocsRequestTask(m_jsObj);
+    const auto report = [bridge = m_jsObj, document = m_jsObj->document()](const QString& replyName,
+                                                                           const QByteArray& body) {
+        if (bridge->isAnswerable(document, replyName))
+            bridge->onNetworkRequestFinish(replyName, body);
+    };
+    connect(m_transfers, &NCloudDocsRequestTask::sigRequestFromApiFinished, m_jsObj, report,
+            Qt::QueuedConnection);
+    connect(m_jsObj, &NHelioCloudDocsAsynJsObj::documentEnded, m_transfers,
+            [task = m_transfers.data()] { delete task; });
+    return m_transfers;
 }
 
 void NHelioCloudDocsPage::uploadPackage(const QString& url, const QString& packageInfo,
                                         const QString& zipPath)
 {
-    transfers().startDataUpgrade(url, packageInfo, zipPath);
+    if (NCloudDocsRequestTask* task = transfers())
+        task->startDataUpgrade(url, packageInfo, zipPath);
 }
 
 void NHelioCloudDocsPage::downloadPackage(const QString& url, const QString& savePath)
 {
-    transfers().startDownloadFileFromURL(url, savePath);
+    if (NCloudDocsRequestTask* task = transfers())
+        task->startDownloadFileFromURL(url, savePath);
 }
 
 std::optional<NPreloadedReply> NHelioCloudDocsPage::preloadedReply(const QString& key) const

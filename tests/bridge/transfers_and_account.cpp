@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
+#include <QNetworkReply>
 
 namespace {
 
@@ -140,6 +141,54 @@ TEST_F(ScriptMethods, TheSixthIdlePollEndsTheDownloadWatch)
     bridge->onBatchDownloadCloudFilesToPath(true, {}, {{"t1"}});
     bridge->onGetBatchDownloadCloudFilesState(false, {}, {});
     EXPECT_FALSE(watched()) << "the query failed";
+}
+
+TEST_F(ScriptMethods, WhatADocumentWaitsForEndsWithIt)
+{
+    HttpStub server;
+    server.answer("/robots.txt", {200, "User-agent: *", {}});
+    runtime.productConfig.insert(QStringLiteral("resolve/docs.test"), server.origin().mid(7));
+    start();
+    const auto listen = [this] {
+        call("fileUploadListener", R"({"callback":"onAny"})");
+        call("fileDownloadListener", R"({"callback":"onAny"})");
+    };
+    listen();
+    call("registerCookieUpdateHandler", R"({"callback":"onAny"})");
+    call("checkNetwork", R"({"callback":"onAny"})");
+    call("getRoamingMode"); // request1
+    call("uploadFileDrag", R"({"groupid":"g","files":["/x/1"]})");
+    bridge->onGetUploadStateTimerTimeout(); // request3
+    bridge->onBatchDownloadCloudFilesToPath(true, {}, {{"t1"}});
+    bridge->onGetDownloadStateTimerTimeout(); // request4
+    const QMap<QString, QString> queued{{QStringLiteral("/x/1"), QStringLiteral("queue")},
+                                        {QStringLiteral("/x/1_result"), QStringLiteral("|g|0|s|1|h|9")},
+                                        {QStringLiteral("jsonConten"), QStringLiteral("downloading|{}")}};
+    bridge->onGetBatchUploadFileListState(true, {}, {queued});
+    EXPECT_EQ(functionCalls().size(), 1);
+
+    // The next document has functions of the same names.
+    container->transport.functionCalls.clear();
+    container->deliverNextDocument(*bridge);
+    bridge->notifyLoginStatus();
+    listen();
+    bridge->OnGetRoamingMode(true, QStringLiteral("request1"), {});
+    bridge->onGetBatchUploadFileListState(true, QStringLiteral("request3"), {queued});
+    bridge->onGetBatchDownloadCloudFilesState(true, QStringLiteral("request4"), {queued});
+    ASSERT_TRUE(
+        waitUntil([this] { return bridge->findChildren<QNetworkReply*>().isEmpty(); })); // was checked
+    EXPECT_TRUE(functionCalls().isEmpty()) << functionCalls().join(u';').toStdString();
+    EXPECT_TRUE(container->transport.resolved.empty());
+
+    // Its own transfers are watched alone, and end the watch: nobody waits for the upload of before.
+    call("uploadFileDrag", R"({"groupid":"g","files":["/x/2"]})");
+    bridge->onGetUploadStateTimerTimeout();
+    EXPECT_TRUE(application->cloud.calls.last().contains(QStringLiteral("QStringList /x/2 ")));
+    const QMap<QString, QString> ended{{QStringLiteral("/x/2"), QStringLiteral("ok/t")},
+                                       {QStringLiteral("/x/2_result"), QStringLiteral("|g|0|s|1|h|9")}};
+    bridge->onGetBatchUploadFileListState(true, QStringLiteral("request6"), {ended});
+    ASSERT_EQ(functionCalls().size(), 1);
+    EXPECT_FALSE(functionCalls().first().contains(QStringLiteral("queued")));
 }
 
 TEST_F(ScriptMethods, WithoutADialogLibraryNothingIsTransferred)

@@ -79,6 +79,23 @@ TEST_F(PreloadedReplies, ALateReplyAnswersTheLastAsker)
                              "2000ms--NDOPWebviewPreloadHandler::prefetch"));
 }
 
+TEST_F(PreloadedReplies, AnAnswerEndsWithTheDocumentThatWaitsForIt)
+{
+    LogRecorder log;
+    prefetch(R"({"key":"k","dataCallbackName":"cb"})");
+    prefetch(R"({"key":"late","dataCallbackName":"cb","timeout":0})");
+    container.deliverNextDocument(*object);
+    EXPECT_EQ(log.lines().last(), QStringLiteral("info [skyleaf] key: k,late, the document that waits is "
+                                                 "gone--NDOPWebviewPreloadHandler::forgetWaiting"));
+    deliver("k");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(handler->findChildren<QTimer*>().isEmpty());
+    EXPECT_EQ(callbacks(), "");
+    prefetch(R"({"key":"k","dataCallbackName":"cb"})");
+    deliver("k");
+    EXPECT_EQ(callbacks(), answer("cb", "", "b25l", "5", "6"));
+}
+
 TEST_F(PreloadedReplies, ATimeOutAnswersEmpty)
 {
     prefetch(R"({"key":"k","dataCallbackName":"cb","timeout":0})");

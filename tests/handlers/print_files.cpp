@@ -115,6 +115,11 @@ TEST_F(PrintFiles, TheShellPrintsAndThePageHearsOfIt)
     ASSERT_EQ(events.size(), 1U);
     EXPECT_EQ(events[0].name + events[0].text, QStringLiteral(R"(notifyPrintResult{"n":1})"));
 
+    ask("printFileByZeo", arguments);
+    container.deliverNextDocument(*object);
+    shell.cloud.deliverPrinted({});
+    EXPECT_EQ(events.size(), 1U) << "the document that asked is gone";
+
     shell.window = nullptr;
     EXPECT_EQ(ask("printFileByZeo", "{}"), failed(QStringLiteral("find Relative HelioMainWindow fail")));
     shell.hasCloud = false;

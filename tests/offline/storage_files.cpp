@@ -243,6 +243,35 @@ TEST_F(StorageFiles, AppendsAtTheSameTimeAllArrive)
     EXPECT_EQ(entries("a").size(), 1);
 }
 
+TEST_F(StorageFiles, TheWorkGoesOnWithoutTheDocumentAndItsAnswerEndsWithIt)
+{
+    ask("create", R"({"data":"b25l"})");
+    const struct
+    {
+        const char* method;
+        QByteArray arguments;
+        QByteArray content;
+    } cases[] = {
+        {"read", "{}", "one"},
+        {"readDataSteam", "{}", "one"},
+        {"update", R"({"data":"dHdv"})", "two"},
+        {"writeDataSteam", R"({"data":"three"})", "three"},
+        {"remove", "{}", "none"},
+    };
+    for (const auto& each : cases) {
+        ask(each.method, each.arguments);
+        container.deliverNextDocument(*object);
+        EXPECT_EQ(callbacks(), "") << each.method;
+        EXPECT_EQ(content("a/f"), each.content) << each.method;
+    }
+    ask("create", R"({"data":"b25l"})");
+    ask("unzip", R"({"distRelativePos":"/d"})");
+    const QString request = QString::number(shell.cloud.calls.size());
+    container.deliverNextDocument(*object);
+    handler->onUnzip(true, request, {});
+    EXPECT_EQ(callbacks(), "");
+}
+
 TEST_F(StorageFiles, ZipsAreUnpackedByTheService)
 {
     ask("create", R"({"data":"b25l"})");

@@ -82,6 +82,10 @@ TEST_F(StoragePackages, TheServiceAnswersTheCallback)
         EXPECT_EQ(answered(named, true, {3, {}}), failure + "3}");
         EXPECT_EQ(answered(named, false, good), failure + "0}");
         EXPECT_EQ(answered({}, true, good), "") << each.method;
+        ask(each.method, "{" + each.arguments + named + "}");
+        container.deliverNextDocument(*object);
+        (handler->*each.answer)(true, QString::number(shell.cloud.calls.size()), good);
+        EXPECT_EQ(callbacks(), "") << each.method;
     }
 }
 
@@ -125,6 +129,10 @@ TEST_F(StoragePackages, TransfersAreCheckedAndAnswerTheLastAcceptedCallback)
         EXPECT_EQ(callbacks(), answer) << bytes;
     }
     EXPECT_EQ(page.transfers.size(), 2);
+    container.deliverNextDocument(*object);
+    Q_EMIT handler->uploadFinished("1");
+    Q_EMIT handler->downloadFinished("1");
+    EXPECT_EQ(callbacks(), "");
     handler->setHost(nullptr);
     EXPECT_EQ(ask("download", "{}"), R"({"callstatus":"error","err":"m_host isEmpty"})");
 }

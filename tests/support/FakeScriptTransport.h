@@ -20,6 +20,7 @@ public:
         QString text;
     };
 
+    quint64 document() const override { return shownDocument; }
     void resolveCall(const QString& callId, const QByteArray& json) override
     {
         resolved.push_back({callId, json});
@@ -34,6 +35,7 @@ public:
     }
     void raiseEvent(const QString& name, const QString& text) override { events.push_back({name, text}); }
 
+    quint64 shownDocument = 1;
     std::vector<Resolved> resolved;
     std::vector<Named> rejected;
     std::vector<Named> functionCalls;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/FakeScriptTransport.h"
+#include "zeolite/NxWebViewAsynJSObject.h"
 #include "zeolite/NxWebViewContainer.h"
 
 #include <vector>
@@ -32,6 +33,12 @@ public:
     void destroyLater() override { deleteLater(); }
     INxScriptTransport& scriptTransport() override { return transport; }
 
+    /** Another document is shown in the place of the present one. */
+    void deliverNextDocument(NxWebViewAsynJSObject& scriptObject)
+    {
+        ++transport.shownDocument;
+        scriptObject.endDocument();
+    }
     /** Answers the cookie request of that index. */
     void deliverCookieStored(std::size_t index, bool stored)
     {

@@ -25,6 +25,13 @@ test('a desktop side that comes late is found, and told with texts only', async 
   assert.deepEqual(told, [['webFileReady', { fileId: '100001', fileName: 'A.docx', fileType: 'w' }]]);
 });
 
+test('functions of two documents never have the same name', async () => {
+  const { NativeSide: Another } = await import('../../demo/webapp/src/document/NativeSide.js?another document');
+  const names = [NativeSide, NativeSide, Another].map((Side) => new Side({}).callback(() => {}).name);
+  assert.equal(new Set(names).size, 3);
+  assert.equal(new Set(names.map((name) => name.split('_')[1])).size, 2, 'no numbers alone');
+});
+
 test('a call that the desktop side rejects is no version', async () => {
   const native = new NativeSide({ helio: { call: () => Promise.reject(new Error('unknown method')) } });
   assert.equal(await native.apiVersion(), null);

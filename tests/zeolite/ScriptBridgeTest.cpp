@@ -204,7 +204,7 @@ TEST_F(ScriptBridge, EndsADeferredCallExactlyOnce)
 
 TEST_F(ScriptBridge, PublishesToANamedFunction)
 {
-    NxWebViewJSContext context;
+    NxWebViewJSContext context(bridge->document());
     context.parse(QStringLiteral("fake_method"), QStringLiteral("onState"), {});
     context.reply()["status"] = "ä";
     bridge->publishResult(context);
@@ -220,6 +220,50 @@ TEST_F(ScriptBridge, PublishesToANamedFunction)
     EXPECT_EQ(calls, QStringList({QStringLiteral(R"(onState {"status":"ä"})"), QStringLiteral("onText data"),
                                   QStringLiteral("onText ä")}));
     EXPECT_TRUE(settled().isEmpty());
+}
+
+TEST_F(ScriptBridge, AnswersNobodyButTheDocumentThatAsked)
+{
+    const QString named = call(QStringLiteral("deferred"), QStringLiteral(R"({"callback":"onText"})"));
+    const auto showDocument = [this](quint64 document) {
+        page.transport.shownDocument = document;
+        bridge->endDocument();
+    };
+    const auto answerAll = [this] {
+        for (NxWebViewJSContext& context : bridge->kept) {
+            context.reply()["n"] = 1;
+            bridge->callbackToJS(context.getCallback(QStringLiteral("callback")), QStringLiteral("{}"),
+                                 false);
+            NxWebViewJSContext fresh(context.document());
+            fresh.parse(QStringLiteral("fake_method"), QStringLiteral("onState"), {});
+            fresh.reply()["n"] = 1;
+            bridge->publishResult(fresh);
+            bridge->publishResult(context);
+        }
+    };
+    // The second document has a call of the same id and functions of the same names.
+    bridge->fromJSAsynCall(named);
+    bridge->queueJSAsynCall(named, false);
+    showDocument(2);
+    bridge->fromJSAsynCall(named);
+    QCoreApplication::processEvents();
+    ASSERT_EQ(bridge->kept.size(), 2U) << "the queued call went with its document";
+    answerAll();
+    EXPECT_EQ(page.transport.resolved.size(), 1U);
+    EXPECT_EQ(page.transport.functionCalls.size(), 2U);
+
+    for (const quint64 document : {3, 0, 1}) {
+        showDocument(document);
+        bridge->fromJSAsynCall(named);
+        showDocument(document + 10);
+        page.transport.functionCalls.clear();
+        answerAll();
+        EXPECT_TRUE(page.transport.functionCalls.empty()) << document;
+        EXPECT_EQ(page.transport.resolved.size(), 1U) << document;
+    }
+    bridge->publishResult(NxWebViewJSContext());
+    bridge->callbackToJS(NxWebViewJSCallback{QStringLiteral("onText"), 0}, QStringLiteral("{}"), false);
+    EXPECT_TRUE(page.transport.functionCalls.empty());
 }
 
 TEST_F(ScriptBridge, QueuesCallsAndRaisesEvents)

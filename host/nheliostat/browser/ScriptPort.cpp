@@ -7,7 +7,8 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QScopedValueRollback>
+
+#include <utility>
 
 namespace nheliostat::browser {
 
@@ -17,9 +18,9 @@ const QByteArray jsonType = QByteArrayLiteral("application/json");
 const QByteArray textType = QByteArrayLiteral("text/plain; charset=utf-8");
 const QString logTag = QStringLiteral("ScriptPort");
 
-QStringList failure(const QString& text)
+QStringList failure(const QString& token, const QString& text)
 {
-    return {QStringLiteral("x"), QString(), text};
+    return {token, QStringLiteral("x"), QString(), text};
 }
 
 } // namespace
@@ -40,16 +41,23 @@ void ScriptPort::awaitDocument(const QString& origin)
 {
     m_awaitedOrigin = origin;
     m_refusalLogged = false;
+    m_dropLogged = false;
 }
 
 void ScriptPort::forgetDocument()
 {
-    m_current = {};
+    setDocument({});
 }
 
 void ScriptPort::setShownOrigin(const QString& origin)
 {
     m_shownOrigin = origin;
+}
+
+void ScriptPort::endHiddenDocument()
+{
+    if (m_shownOrigin != m_current.origin)
+        forgetDocument();
 }
 
 void ScriptPort::hello(const QString& secret, const QString& origin, const QString& token,
@@ -60,9 +68,17 @@ void ScriptPort::hello(const QString& secret, const QString& origin, const QStri
         logRefusal();
         return;
     }
-    m_current = {origin, token, prefix};
     m_awaitedOrigin.clear();
     m_shownOrigin = origin;
+    setDocument({origin, token, prefix, ++m_lastNumber});
+}
+
+void ScriptPort::setDocument(Document document)
+{
+    const bool isEnd = m_current.number != 0;
+    m_current = std::move(document);
+    if (isEnd && m_object)
+        m_object->endDocument();
 }
 
 QStringList ScriptPort::fromJSAsynCall(const QString& token, const QString& text)
@@ -78,14 +94,17 @@ QStringList ScriptPort::fromJSAsynCallBase64(const QString& token, const QString
 QStringList ScriptPort::takeCall(const QString& token, const QString& text, Take take)
 {
     if (!isAdmitted(token))
-        return failure(QStringLiteral("refused: not a call of this document"));
+        return failure(token, QStringLiteral("refused: not a call of this document"));
     Q_EMIT messageCame();
     if (!m_object)
-        return failure(QStringLiteral("no script object"));
-    QStringList collected;
-    const QScopedValueRollback<QStringList*> taking(m_collected, &collected);
+        return failure(token, QStringLiteral("no script object"));
+    Collected collected{m_current.number, {token}};
+    Collected* const outer = std::exchange(m_collected, &collected);
+    const QPointer<ScriptPort> self(this);
     (m_object->*take)(text);
-    return collected;
+    if (self)
+        m_collected = outer;
+    return collected.items;
 }
 
 void ScriptPort::emitHost(const QString& token, const QString& name, const QString& json)
@@ -117,7 +136,7 @@ void ScriptPort::rejectCall(const QString& callId, const QString& error)
 
 void ScriptPort::callFunction(const QString& name, const QString& text)
 {
-    if (!hasDocument())
+    if (!canAnswer())
         return;
     if (text.size() > largeText)
         deliverLarge(QLatin1Char('f'), name, text.toUtf8(), textType);
@@ -156,9 +175,24 @@ bool ScriptPort::hasDocument() const
     return !m_current.token.isEmpty() && m_current.origin == m_shownOrigin;
 }
 
-bool ScriptPort::isOpenTo(const QString& callId) const
+ScriptPort::Collected* ScriptPort::collected() const
 {
-    return hasDocument() && (callId.isEmpty() ? m_collected != nullptr : callId.startsWith(m_current.prefix));
+    return m_collected && m_collected->document == m_current.number ? m_collected : nullptr;
+}
+
+bool ScriptPort::canAnswer()
+{
+    if (hasDocument())
+        return true;
+    if (!std::exchange(m_dropLogged, true))
+        NxLoggerLite::writeInfo(logTag,
+                                QStringLiteral("answers to a document that is not shown are dropped"));
+    return false;
+}
+
+bool ScriptPort::isOpenTo(const QString& callId)
+{
+    return canAnswer() && (callId.isEmpty() ? collected() != nullptr : callId.startsWith(m_current.prefix));
 }
 
 void ScriptPort::deliverLarge(QChar kind, const QString& target, const QByteArray& body,
@@ -173,10 +207,10 @@ void ScriptPort::deliverLarge(QChar kind, const QString& target, const QByteArra
 
 void ScriptPort::deliver(QChar kind, const QString& target, const QString& text)
 {
-    if (m_collected)
-        *m_collected << QString(kind) << target << text;
+    if (Collected* const list = collected())
+        list->items << QString(kind) << target << text;
     else
-        Q_EMIT message(QString(kind), target, text);
+        Q_EMIT message(m_current.token, QString(kind), target, text);
 }
 
 } // namespace nheliostat::browser

@@ -375,6 +375,8 @@ void WebViewContainer::endLoad(bool ok)
     endLeave();
     if (m_evaluator)
         m_evaluator->checkOpen();
+    if (ok)
+        m_port->endHiddenDocument();
     Q_EMIT loadEnded(ok);
 }
 

@@ -31,10 +31,12 @@ struct Address
     QString method;
 };
 
+const QString logTag = QStringLiteral("zeolite");
+constexpr int longestNameInLog = 100;
+
 void logWarning(const QString& text, const char* where)
 {
-    NxLoggerLite::writeWarning(QStringLiteral("zeolite"),
-                               QStringLiteral("%1--%2").arg(text, QLatin1String(where)));
+    NxLoggerLite::writeWarning(logTag, QStringLiteral("%1--%2").arg(text, QLatin1String(where)));
 }
 
 } // namespace
@@ -45,6 +47,7 @@ public:
     QPointer<NxWebViewContainer> container;
     std::unique_ptr<NxJSApiEventHandler> eventHandler;
     ScriptMethods methods;
+    quint64 goneDocument = 0; //!< of which the log says that its answers are dropped
 };
 
 NxWebViewAsynJSObject::NxWebViewAsynJSObject(NxWebViewContainer* container, QObject* parent)
@@ -78,6 +81,8 @@ bool NxWebViewAsynJSObject::handleMethod(const QString& method, NxWebViewJSConte
         return false;
     if (!context.m_callOpen)
         context.m_callOpen = std::make_shared<bool>(true);
+    if (!context.m_document)
+        context.m_document = document();
     if (publish)
         doCallFunction(address.method, context, handler);
     else
@@ -104,16 +109,25 @@ void NxWebViewAsynJSObject::fromJSAsynCallBase64(const QString& text)
 
 void NxWebViewAsynJSObject::callbackToJS(const QString& callback, const QString& data, bool isBase64)
 {
-    if (callback.isEmpty() || !d->container)
+    callbackToJS(NxWebViewJSCallback{callback, document()}, data, isBase64);
+}
+
+void NxWebViewAsynJSObject::callbackToJS(const NxWebViewJSCallback& callback, const QString& data,
+                                         bool isBase64)
+{
+    if (callback.isEmpty() || !isAnswerable(callback.document, callback.name))
         return;
     const QString text = isBase64 ? QString::fromUtf8(QByteArray::fromBase64(data.toLatin1())) : data;
-    d->container->scriptTransport().callFunction(callback, text);
+    d->container->scriptTransport().callFunction(callback.name, text);
 }
 
 void NxWebViewAsynJSObject::queueJSAsynCall(const QString& text, bool isBase64)
 {
-    QMetaObject::invokeMethod(
-        this, [=] { isBase64 ? fromJSAsynCallBase64(text) : fromJSAsynCall(text); }, Qt::QueuedConnection);
+    const auto call = [this, text, isBase64, caller = document()] {
+        if (isAnswerable(caller, QStringLiteral("a queued call")))
+            isBase64 ? fromJSAsynCallBase64(text) : fromJSAsynCall(text);
+    };
+    QMetaObject::invokeMethod(this, call, Qt::QueuedConnection);
 }
 
 void NxWebViewAsynJSObject::publishResult(const NxWebViewJSContext& context)
@@ -124,7 +138,7 @@ void NxWebViewAsynJSObject::publishResult(const NxWebViewJSContext& context)
     const bool isCall = context.m_callOpen != nullptr;
     if (isCall ? !end(context) : context.callback().isEmpty())
         return;
-    if (!d->container)
+    if (!isAnswerable(context.document(), context.method()))
         return;
 
     const bool isDefault = context.reply().empty() && context.defaultPublishResult();
@@ -147,6 +161,31 @@ NxWebViewContainer* NxWebViewAsynJSObject::webViewContainer() const
     return d->container;
 }
 
+quint64 NxWebViewAsynJSObject::document() const
+{
+    return d->container ? d->container->scriptTransport().document() : 0;
+}
+
+bool NxWebViewAsynJSObject::isAnswerable(quint64 document, const QString& answer)
+{
+    if (!d->container)
+        return false;
+    if (document != 0 && document == this->document())
+        return true;
+    if (std::exchange(d->goneDocument, document) != document) {
+        NxLoggerLite::writeInfo(
+            logTag,
+            QStringLiteral("the document that asked is gone, its answers are dropped: %1--%2")
+                .arg(answer.left(longestNameInLog), QLatin1String("NxWebViewAsynJSObject::isAnswerable")));
+    }
+    return false;
+}
+
+void NxWebViewAsynJSObject::endDocument()
+{
+    Q_EMIT documentEnded();
+}
+
 void NxWebViewAsynJSObject::ensureHandlers()
 {
     if (!isHandlersValid())
@@ -158,6 +197,7 @@ void NxWebViewAsynJSObject::take(const ScriptCall& call)
     Q_ASSERT(thread() == QThread::currentThread());
     NxWebViewJSContext context;
     context.parse(call.name, call.id, call.arguments);
+    context.m_document = document();
     context.m_callOpen = std::make_shared<bool>(true);
     if (!call.error.isEmpty()) {
         reject(context, QStringLiteral("malformed call: ") + call.error);
@@ -193,7 +233,7 @@ QString NxWebViewAsynJSObject::invoke(const QString& method, NxWebViewJSContext&
 void NxWebViewAsynJSObject::reject(const NxWebViewJSContext& context, const QString& error)
 {
     logWarning(error.left(200), "NxWebViewAsynJSObject::fromJSAsynCall");
-    if (end(context) && d->container)
+    if (end(context) && isAnswerable(context.document(), context.method()))
         d->container->scriptTransport().rejectCall(context.callback(), error);
 }
 

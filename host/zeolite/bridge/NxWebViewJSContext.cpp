@@ -26,6 +26,11 @@ QVariantMap NxWebViewJSContext::getMap(const QString& key) const
     return m_arguments.value(key).toMap();
 }
 
+NxWebViewJSCallback NxWebViewJSContext::getCallback(const QString& key) const
+{
+    return {m_arguments.value(key).toString(), m_document};
+}
+
 bool NxWebViewJSContext::isPublishable() const
 {
     return (m_defaultPublish || !m_reply.empty()) && !isWithheld(m_reply);

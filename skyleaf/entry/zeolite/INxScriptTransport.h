@@ -13,6 +13,13 @@ class INxScriptTransport
 public:
     virtual ~INxScriptTransport() = default;
 
+    /**
+     * The number of the document that calls come from and deliveries go to; no other document of the view has
+     * it. It is another one after each navigation, reload or crash, and stays in navigations within the
+     * document. 0 for none.
+     */
+    virtual quint64 document() const = 0;
+
     /** Settles the call with a reply object (JSON, UTF-8). An empty id means the call that is being
      * delivered. */
     virtual void resolveCall(const QString& callId, const QByteArray& json) = 0;

@@ -15,8 +15,10 @@ struct ScriptCall;
  * the name of a handler and its method joined by a dot; the text after the last dot is the method. The call
  * ends exactly once in the page: with the reply object when the method returns (see
  * NxWebViewJSContext::isPublishable), later through `publishResult`, or with an error: "malformed call: …",
- * "unknown handler: …", "unknown method: …". A reply that is not publishable leaves it open. User-interface
- * thread.
+ * "unknown handler: …", "unknown method: …". A reply that is not publishable leaves it open.
+ *
+ * An answer belongs to the document that asked: replies, and texts for a callback that it named, are dropped
+ * when that document is gone, with one line in the log for each document. User-interface thread.
  */
 class NxWebViewAsynJSObject : public NxWebViewJSApiHandler
 {
@@ -33,19 +35,38 @@ public:
     virtual void setWebViewContainer(NxWebViewContainer* container);
     virtual void fromJSAsynCall(const QString& text);
     virtual void fromJSAsynCallBase64(const QString& text);
-    /** Calls the page's function `callback` with `data`; `isBase64` says that data is already encoded so. */
+    /**
+     * Calls the function `callback` of the document that is shown now, with `data`; `isBase64` says that data
+     * is already encoded so. For what is no answer.
+     */
     virtual void callbackToJS(const QString& callback, const QString& data, bool isBase64);
-    /** As `fromJSAsynCall` (or Base64), at the next turn of the event loop. */
+    /** The same for an answer: the document that named the function gets it, or nobody. */
+    void callbackToJS(const NxWebViewJSCallback& callback, const QString& data, bool isBase64);
+    /** As `fromJSAsynCall` (or Base64), at the next turn of the event loop if its document is still there. */
     virtual void queueJSAsynCall(const QString& text, bool isBase64);
 
     /** Delivers the context's reply object to the call, or to the named script function, that it was parsed
-     * for. */
+     * for; to nobody when its document is gone. */
     void publishResult(const NxWebViewJSContext& context);
     /** Null without a web view container. */
     NxJSApiEventHandler* eventHandler() const;
     NxWebViewContainer* webViewContainer() const;
+    /** The document that is shown; 0 for none. */
+    quint64 document() const;
+    /**
+     * Whether that document is still there to be answered. If it is not, the log says so; `answer` names what
+     * is dropped.
+     */
+    bool isAnswerable(quint64 document, const QString& answer);
+    /** The web view says that its document is gone: raises `documentEnded`. */
+    void endDocument();
     /** Runs `initHandlers` unless it has run. */
     void ensureHandlers();
+
+Q_SIGNALS:
+    /** The document is gone; what was kept for its answers can be let go. Its successor may be shown already.
+     */
+    void documentEnded();
 
 private:
     class Private;

@@ -68,6 +68,11 @@ void SampleScriptObject::produce(NxWebViewJSContext& context)
     context.reply()["text"] = std::string(size, 'x');
 }
 
+void SampleScriptObject::act(NxWebViewJSContext&)
+{
+    action();
+}
+
 void SampleScriptObject::later(NxWebViewJSContext& context)
 {
     waiting << context;

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <mutex>
 
@@ -36,6 +37,7 @@ public:
     using NHelioCommonJSAPI::NHelioCommonJSAPI;
 
     QStringList called;
+    std::function<void()> action;
     QList<NxWebViewJSContext> waiting; //!< the calls of `later`, to be published by the test
 
 public Q_SLOTS:
@@ -44,6 +46,8 @@ public Q_SLOTS:
     /** Answers {"text": "size" characters}. */
     void produce(NxWebViewJSContext& context);
     void later(NxWebViewJSContext& context);
+    /** Does what the test wants in the middle of a call. */
+    void act(NxWebViewJSContext& context);
 };
 
 /** Counts what is dropped on it. */

@@ -1,6 +1,7 @@
 // The script object in real documents: who gets it, what a call can carry, when calls are forgotten.
 #include "BrowserFixture.h"
 
+#include "nheliostat/browser/ScriptPort.h"
 #include "zeolite/INxScriptTransport.h"
 
 #include <QJsonObject>
@@ -102,6 +103,53 @@ TEST_F(BrowserTest, SettlesLateCallsUnlessTheirDocumentIsGone)
     EXPECT_EQ(
         evaluate(text("while (!late.length) await new Promise(setTimeout); return late.join()")).toString(),
         text("3"));
+}
+
+TEST_F(BrowserTest, DeliversToTheDocumentThatIsAddressedOnly)
+{
+    auto& port =
+        dynamic_cast<nheliostat::browser::ScriptPort&>(browser->webViewContainer()->scriptTransport());
+    const QSignalSpy ends(api.data(), &NxWebViewAsynJSObject::documentEnded);
+    ASSERT_TRUE(load(docs("/")));
+    const QString listen = text("window.got = []; window.f = (t) => got.push(t); helio.on('f', f);");
+    const QString finish =
+        text("while (!got.includes('end')) await new Promise(setTimeout); return got.join()");
+    // What was sent to another document and comes in this one.
+    evaluate(listen + text("history.pushState(1, '', '/inner'); history.replaceState(2, '', '/#part')"));
+    for (const char* kind : {"f", "e"})
+        Q_EMIT port.message(text("another's"), text(kind), text("f"), text("wrong"));
+    port.callFunction(text("f"), text("end"));
+    EXPECT_EQ(evaluate(finish).toString(), text("end"));
+    EXPECT_TRUE(ends.isEmpty()) << "the document stays when its address changes";
+
+    const quint64 first = api->document();
+    evaluate(text("helio.call('later', {callback: 'f'}); return 1"));
+    ASSERT_TRUE(waitFor([this] { return api->waiting.size() == 1; }));
+    // The end of a load may be that of a new address.
+    ASSERT_TRUE(load(docs("/")));
+    ASSERT_TRUE(waitFor([&ends] { return ends.size() == 1; }));
+    EXPECT_NE(api->document(), first);
+    evaluate(listen);
+    api->callbackToJS(api->waiting[0].getCallback(text("callback")), text("late"), false);
+    api->callbackToJS(text("f"), text("end"), false);
+    EXPECT_EQ(evaluate(finish).toString(), text("end"));
+
+    ASSERT_TRUE(load(text("http://other.test/")));
+    EXPECT_TRUE(waitFor([&ends] { return ends.size() == 2; }));
+    EXPECT_EQ(api->document(), 0U);
+}
+
+TEST_F(BrowserTest, MayCloseInTheMiddleOfACall)
+{
+    ASSERT_TRUE(load(docs("/")));
+    const QPointer<NxWebViewContainer> view = browser->webViewContainer();
+    bool isClosed = false;
+    api->action = [this, view, &isClosed] { // as when the user closes the tab beside a dialog
+        browser->releaseWebView();
+        isClosed = waitFor([&view] { return !view; });
+    };
+    view->executeScript(text("helio.call('act'); helio.call('act')"));
+    EXPECT_TRUE(waitFor([&isClosed] { return isClosed; }));
 }
 
 TEST_F(BrowserTest, KeepsTheOrderOfEventsAndFunctionsWhateverTheirSize)

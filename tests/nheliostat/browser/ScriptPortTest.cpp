@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <set>
+
 using namespace nheliostat::browser;
 
 namespace {
@@ -84,7 +87,7 @@ TEST_F(ScriptPortTest, TakesOnlyTheTokenOfTheCurrentDocument)
     const Document second = greetingDocument();
     port.fromJSAsynCall(second.token, text("three"));
     for (const QString& token : {first.token, QString(), second.prefix, port.secret()})
-        EXPECT_EQ(port.fromJSAsynCall(token, text("no")).value(0), text("x")) << qPrintable(token);
+        EXPECT_EQ(port.fromJSAsynCall(token, text("no")).mid(0, 2), (QStringList{token, text("x")}));
     EXPECT_EQ(object.calls, (QStringList{text("one"), text("two"), text("three")}));
 }
 
@@ -92,7 +95,7 @@ TEST_F(ScriptPortTest, WelcomesOnlyExpectedDocumentsThatKnowTheSecret)
 {
     const auto isWelcome = [this](const QString& secret, const QString& from, const QString& token) {
         port.hello(secret, from, token, text("p-"));
-        return port.fromJSAsynCall(token, text("call")).value(0) != text("x");
+        return port.fromJSAsynCall(token, text("call")).value(1) != text("x");
     };
     EXPECT_FALSE(isWelcome(port.secret(), origin, text("a"))) << "not awaited";
     port.awaitDocument(origin);
@@ -116,14 +119,14 @@ TEST_F(ScriptPortTest, ReturnsWhatIsDeliveredDuringTheCallInOrder)
         port.resolveCall(id, "{}");
         port.callFunction(text("after"), text("{}"));
     };
-    const QStringList expected{text("e"),  text("before"), text("data"),  text("r"), id,
-                               text("{}"), text("f"),      text("after"), text("{}")};
+    const QStringList expected{document.token, text("e"), text("before"), text("data"), text("r"), id,
+                               text("{}"),     text("f"), text("after"),  text("{}")};
     EXPECT_EQ(port.fromJSAsynCall(document.token, text("call")), expected);
     EXPECT_TRUE(messages.isEmpty());
 
     port.rejectCall(id, text("late"));
     ASSERT_EQ(messages.size(), 1);
-    EXPECT_EQ(messages[0], (QVariantList{text("x"), id, text("late")}));
+    EXPECT_EQ(messages[0], (QVariantList{document.token, text("x"), id, text("late")}));
 }
 
 TEST_F(ScriptPortTest, SettlesAnUnnamedCallOnlyWhileItIsTaken)
@@ -133,7 +136,7 @@ TEST_F(ScriptPortTest, SettlesAnUnnamedCallOnlyWhileItIsTaken)
     EXPECT_TRUE(messages.isEmpty());
     object.onCall = [this] { port.rejectCall(QString(), text("malformed")); };
     EXPECT_EQ(port.fromJSAsynCall(document.token, text("?")),
-              (QStringList{text("x"), QString(), text("malformed")}));
+              (QStringList{document.token, text("x"), QString(), text("malformed")}));
 }
 
 TEST_F(ScriptPortTest, DropsWhatIsAddressedToAnotherDocument)
@@ -150,6 +153,63 @@ TEST_F(ScriptPortTest, DropsWhatIsAddressedToAnotherDocument)
     EXPECT_TRUE(published.isEmpty());
 }
 
+TEST_F(ScriptPortTest, NumbersDocumentsAndTellsOfTheirEnd)
+{
+    const QSignalSpy ends(&object, &NxWebViewAsynJSObject::documentEnded);
+    EXPECT_EQ(port.document(), 0U);
+    shownDocument();
+    const quint64 first = port.document();
+    EXPECT_NE(first, 0U);
+    EXPECT_TRUE(ends.isEmpty());
+    // An address on the way to elsewhere is no end, what was loaded there is.
+    port.setShownOrigin(text("https://elsewhere.test"));
+    port.awaitDocument(QString());
+    EXPECT_EQ(port.document(), first);
+    port.endHiddenDocument();
+    EXPECT_EQ(port.document(), 0U);
+    EXPECT_EQ(ends.size(), 1);
+
+    shownDocument();
+    port.endHiddenDocument();
+    const quint64 second = port.document();
+    shownDocument(); // a reload
+    EXPECT_EQ(ends.size(), 2);
+    EXPECT_EQ((std::set<quint64>{0, first, second, port.document()}).size(), 4U);
+    port.forgetDocument();
+    port.forgetDocument();
+    EXPECT_EQ(ends.size(), 3);
+}
+
+TEST_F(ScriptPortTest, ReturnsNothingOfALaterDocumentWithTheCallOfAnEarlierOne)
+{
+    const Document first = shownDocument();
+    Document second;
+    object.onCall = [this, &second] {
+        port.raiseEvent(text("e"), text("1"));
+        second = shownDocument();
+        port.raiseEvent(text("e"), text("2"));
+        port.rejectCall(QString(), text("the call that is being taken is not of this document"));
+    };
+    EXPECT_EQ(port.fromJSAsynCall(first.token, text("call")),
+              (QStringList{first.token, text("e"), text("e"), text("1")}));
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_EQ(messages[0], (QVariantList{second.token, text("e"), text("e"), text("2")}));
+}
+
+TEST_F(ScriptPortTest, MayGoWhileACallIsOut)
+{
+    auto closing = std::make_unique<ScriptPort>([](const auto&...) { return QUrl(); });
+    closing->setScriptObject(&object);
+    closing->awaitDocument(origin);
+    closing->hello(closing->secret(), origin, text("t"), text("p-"));
+    object.onCall = [&closing] {
+        closing->raiseEvent(text("e"), text("1"));
+        closing.reset();
+    };
+    EXPECT_EQ(closing->fromJSAsynCall(text("t"), text("call")),
+              (QStringList{text("t"), text("e"), text("e"), text("1")}));
+}
+
 TEST_F(ScriptPortTest, PublishesLargeTextsAndSendsThemWhereItCannot)
 {
     const Document document = shownDocument();
@@ -163,12 +223,12 @@ TEST_F(ScriptPortTest, PublishesLargeTextsAndSendsThemWhereItCannot)
     port.callFunction(text("f"), QString::fromUtf8(large));
     EXPECT_EQ(published, (QVector<QByteArray>{large, large, large}));
     ASSERT_EQ(messages.size(), 4);
-    EXPECT_EQ(messages[1][0].toString() + messages[2][0].toString() + messages[3][0].toString(), text("REF"));
-    EXPECT_EQ(messages[1][2].toString(), text("https://docs.skyleaf.test/once/1"));
+    EXPECT_EQ(messages[1][1].toString() + messages[2][1].toString() + messages[3][1].toString(), text("REF"));
+    EXPECT_EQ(messages[1][3].toString(), text("https://docs.skyleaf.test/once/1"));
 
     canPublish = false;
     port.resolveCall(id, large);
-    EXPECT_EQ(messages.last(), (QVariantList{text("r"), id, QString::fromUtf8(large)}));
+    EXPECT_EQ(messages.last(), (QVariantList{document.token, text("r"), id, QString::fromUtf8(large)}));
 }
 
 TEST_F(ScriptPortTest, RefusesCallsWithoutAScriptObject)
@@ -176,6 +236,6 @@ TEST_F(ScriptPortTest, RefusesCallsWithoutAScriptObject)
     const Document document = shownDocument();
     port.setScriptObject(nullptr);
     EXPECT_EQ(port.fromJSAsynCall(document.token, text("call")),
-              (QStringList{text("x"), QString(), text("no script object")}));
+              (QStringList{document.token, text("x"), QString(), text("no script object")}));
     port.emitHost(document.token, text("webFileReady"), text("{}"));
 }

@@ -4,6 +4,7 @@
  */
 const pollMs = 50;
 const pollLimit = 60;
+const documentName = Array.from(crypto.getRandomValues(new Uint32Array(2)), (word) => word.toString(36)).join('');
 let lastCallback = 0;
 
 function parsed(data) {
@@ -56,12 +57,12 @@ export class NativeSide {
   }
 
   /**
-   * Makes a function of the window that the desktop side can call by its name.
+   * Makes a function of the window that the desktop side can call by its name, which no other document has.
    * @param {(data: any) => void} listener gets the parsed JSON text; null when it was none
    * @returns {{name: string, release: () => void}}
    */
   callback(listener) {
-    const name = `skyleafCallback${++lastCallback}`;
+    const name = `skyleafCallback_${documentName}_${++lastCallback}`;
     this.#window[name] = (data) => listener(parsed(data));
     return { name, release: () => delete this.#window[name] };
   }

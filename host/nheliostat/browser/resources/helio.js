@@ -144,8 +144,12 @@ function deliver(kind, target, text) {
   }
 }
 
+/** What came back with a call: the addressee's token, then deliveries. */
 function deliverAll(items, callId) {
-  for (let i = 0; i + 2 < items.length; i += 3) {
+  if (items[0] !== token) {
+    return;
+  }
+  for (let i = 1; i + 2 < items.length; i += 3) {
     deliver(items[i], items[i + 1] || callId, items[i + 2]);
   }
 }
@@ -183,9 +187,16 @@ Object.defineProperty(window, 'helio', {
   enumerable: true,
 });
 
+/** A delivery may have been on its way to the document before this one. */
+function deliverTo(addressee, kind, target, text) {
+  if (addressee === token) {
+    deliver(kind, target, text);
+  }
+}
+
 new QWebChannel(wire, (channel) => {
   port = channel.objects.port;
-  port.message.connect(deliver);
+  port.message.connect(deliverTo);
   port.hello(setup.secret, origin, token, callPrefix);
   waiting.forEach((message) => message(port));
   waiting = [];
