@@ -8,6 +8,7 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QNetworkAccessManager>
+#include <QPointer>
 #include <QSet>
 #include <QTimer>
 
@@ -160,7 +161,7 @@ private:
     NxWebViewJSCallback m_loginCallback;
     QMap<QString, NxWebViewJSContext> m_pendingContexts;
     QNetworkAccessManager* m_network = nullptr;
-    NHelioAppPage* m_page = nullptr;
+    QPointer<NHelioAppPage> m_page;
     QSet<QString> m_uploadPaths;
     QSet<QString> m_downloadTaskIds;
     QSet<QString> m_downloadDirIds;
@@ -169,7 +170,7 @@ private:
     int m_idleDownloadPolls = 0;
     QHash<QString, quint64> m_transferRequests; //!< open requests and the documents they are made for
     QString m_lastDir;
-    NHelioBrowserWidgetBase* m_browser = nullptr;
+    QPointer<NHelioBrowserWidgetBase> m_browser;
     std::unique_ptr<NHelioBrowserPageProxy> m_pageProxy;
     NDOPStorageHandler* m_storageHandler = nullptr;
     NDOPStorageInfoHandler* m_storageInfoHandler = nullptr;
