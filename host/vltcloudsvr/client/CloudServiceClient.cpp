@@ -30,9 +30,8 @@ constexpr milliseconds patientStart(10'000); // of what must not get lost
 /** Whether the service comes to the same when it is asked twice. */
 CallLane::Repeat repeatOf(const QString& function, const Values& arguments)
 {
-    if (isTransferOrder(function))
-        return CallLane::Repeat::Once;        // it has an id
-    if (function == names::changeRoamingMode) // without an argument it toggles
+    // Without an argument it toggles.
+    if (function == names::changeRoamingMode)
         return arguments.value(positionKey(0)).isEmpty() ? CallLane::Repeat::Never : CallLane::Repeat::Once;
     const bool isHarmless = isTransferFunction(function) || function == names::createDOPRootData ||
                             function == names::getDOPFileInfo;
