@@ -118,6 +118,21 @@ TEST_F(CloudWindowsOf, ThereIsOneProgressWindowForEachDirection)
     EXPECT_EQ(window->findChildren<QWidget*>(s("uploads")).size(), 1);
 }
 
+TEST_F(CloudWindowsOf, TellsOfTransfersThatTheServiceDidNotTake)
+{
+    using vlt::cloudsvr::TransferDirection;
+    serve(true);
+    const auto text = [this] {
+        QWidget* notice = shown("failedTransfer");
+        return notice ? notice->findChild<QLabel*>()->text() : QString();
+    };
+    Q_EMIT shell->cloudService().orderFailed(TransferDirection::Upload, s("It does not answer"));
+    EXPECT_EQ(text(), s("What you wanted to upload is not uploaded. It does not answer."));
+    Q_EMIT shell->cloudService().orderFailed(TransferDirection::Download, s("No directory"));
+    EXPECT_EQ(text(), s("What you wanted to download is not downloaded. No directory."));
+    EXPECT_EQ(window->findChildren<QWidget*>(s("failedTransfer")).size(), 1);
+}
+
 TEST_F(CloudWindowsOf, CoversUntilTheCallerIsTold)
 {
     serve(true);

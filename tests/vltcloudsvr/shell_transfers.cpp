@@ -8,6 +8,8 @@
 #include <QTest>
 
 #include <csignal>
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
 
 namespace {
 
@@ -59,8 +61,13 @@ protected:
         user.userId = s("anna");
         user.cookies = s("vlt_sid=test;");
         user.loggedIn = true;
+        qRegisterMetaType<TransferDirection>("vlt::cloudsvr::TransferDirection");
+        connectTo(s(SERVICE_PROGRAM));
+    }
+    void connectTo(const QString& program)
+    {
         proxy = std::make_unique<ShellCloudSvrProxy>(
-            user, ShellCloudService{{s(SERVICE_PROGRAM), dataDir, {s("--idle-exit-seconds"), s("1")}},
+            user, ShellCloudService{{program, dataDir, {s("--idle-exit-seconds"), s("1")}},
                                     s("http://docs.test"),
                                     drive.resolve()});
     }
@@ -69,12 +76,26 @@ protected:
         proxy.reset();
         end(SIGTERM);
     }
-    void end(int signal)
+    void send(int signal) const
     {
         const auto place = vlt::cloudsvr::placeOf(dataDir);
         if (isServed(place))
             ::kill(read(place.lockPath)->trimmed().toInt(), signal);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !isServed(place); }, patienceMs));
+    }
+    void end(int signal)
+    {
+        send(signal);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !isServed(vlt::cloudsvr::placeOf(dataDir)); }, patienceMs));
+    }
+    /** Whether a socket of this process holds a lot that nobody reads. */
+    static bool isSendingMuch()
+    {
+        for (const QString& name : QDir(s("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System)) {
+            int unread = 0;
+            if (::ioctl(name.toInt(), SIOCOUTQ, &unread) == 0 && unread > 50'000)
+                return true;
+        }
+        return false;
     }
 
     void answer(const QString& requestId)
@@ -174,6 +195,73 @@ TEST_F(ShellTransfers, GoOnByThemselvesWhenTheServiceDies)
     EXPECT_EQ(list(TransferDirection::Upload).rows.value(0).name, s("big.bin"));
     proxy->clearFinishedTransfers(TransferDirection::Upload);
     EXPECT_EQ(list(TransferDirection::Upload).total, 0);
+}
+
+TEST_F(ShellTransfers, ArriveOnceWhenTheServiceDiesBeforeItAnswers)
+{
+    EXPECT_EQ(list(TransferDirection::Upload).total, 0);
+    QSignalSpy failures(proxy.get(), &ShellCloudSvrProxy::orderFailed);
+    // The second time the service was started a moment ago.
+    for (int round = 1; round <= 2; ++round) {
+        const QString path = directory.filePath(s("%1.txt").arg(round));
+        write(path, "hello");
+        send(SIGSTOP);
+        // Much to send, and ignored for more than one path.
+        const QString fileId(100'000, u'x');
+        const QString id = proxy->batchUploadFileListToAnyExistedPath(s("7"), s("0"), {path, path}, fileId,
+                                                                      true, &receiver, "onMap", {});
+        proxy->downloadDir(s("7"), {s("0")}, directory.filePath(s("target")), nullptr, {});
+        EXPECT_TRUE(QTest::qWaitFor(&isSendingMuch, patienceMs));
+        end(SIGKILL);
+        answer(id);
+        EXPECT_TRUE(receiver.success);
+        EXPECT_TRUE(
+            QTest::qWaitFor([&] { return list(TransferDirection::Upload).finished == round; }, patienceMs));
+    }
+    EXPECT_EQ(drive.items(s("0")).size(), 2);
+    EXPECT_EQ(failures.count(), 0);
+}
+
+TEST_F(ShellTransfers, AreReportedWhenTheServiceDoesNotTakeThem)
+{
+    const QString path = directory.filePath(s("a.txt"));
+    const QString folder = directory.filePath(s("folder"));
+    const QString inside = folder + s("/b.txt");
+    const QString other = directory.filePath(s("folder2/b.txt"));
+    write(path, "hello");
+    connectTo(s("/no/such/program"));
+    QSignalSpy failures(proxy.get(), &ShellCloudSvrProxy::orderFailed);
+    answer(
+        proxy->batchUploadFileListToAnyExistedPath(s("7"), s("3"), {path}, {}, true, &receiver, "onMap", {}));
+    EXPECT_FALSE(receiver.success);
+    answer(proxy->folderUpload(s("7"), s("3"), folder, &receiver, "onMap", {}));
+    answer(
+        proxy->downloadCloudFiles({s("1")}, directory.filePath(s("target")), {}, &receiver, "onDownloads"));
+    EXPECT_FALSE(receiver.success);
+    EXPECT_EQ(failures.count(), 3);
+
+    const auto states = [&](const QStringList& paths) {
+        answer(proxy->invokeCloudFunction(s("getBatchUploadFileListState"),
+                                          Q_ARG(QStringList, QStringList{paths.join(u'|')}), &receiver,
+                                          "onResponse"));
+        return receiver.values;
+    };
+    const stringMap told = states({path, inside, other});
+    EXPECT_EQ(told.size(), 4);
+    EXPECT_EQ(told.value(path + s("_result")), s("0|7|3|%1|5||").arg(path));
+    const QString prefix = s("fail/0/service//order/");
+    EXPECT_TRUE(told.value(path).startsWith(prefix) && told.value(inside).startsWith(prefix));
+    EXPECT_EQ(
+        QByteArray::fromBase64(told.value(path).mid(prefix.size()).toLatin1(), QByteArray::Base64UrlEncoding),
+        "The cloud service does not answer");
+
+    // It is on its way once it is ordered again; of another user nothing is told.
+    const QString again = proxy->batchUploadFileListToAnyExistedPath(s("7"), s("3"), {inside}, {}, true,
+                                                                     &receiver, "onMap", {});
+    user.userId = s("bert");
+    proxy->setUser(user);
+    answer(again);
+    EXPECT_TRUE(states({path, inside}).isEmpty());
 }
 
 } // namespace

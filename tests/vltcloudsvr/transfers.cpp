@@ -294,4 +294,21 @@ TEST_F(Transfers, KeepTheRoamingModeOfEachUser)
     EXPECT_EQ(call(names::changeRoamingMode, {{positionKey(0), s("perhaps")}}).code, ResultCode::BadArgument);
 }
 
+TEST_F(Transfers, AreAddedOnceWhenTheSameOrderComesTwice)
+{
+    const auto order = [this](const char* requestId) {
+        return call(names::downloadFiles,
+                    {{s("fileids"), s("f1|f2")}, {s("directory"), target}, {requestIdKey, s(requestId)}})
+            .values;
+    };
+    const Values first = order("r1");
+    EXPECT_EQ(first.value(s("taskids")).count(u'|'), 1);
+    EXPECT_EQ(order("r1"), first);
+    end(SIGKILL);
+    EXPECT_EQ(order("r1"), first);
+    EXPECT_EQ(list(TransferDirection::Download).total, 2);
+    EXPECT_NE(order("r2"), first);
+    EXPECT_EQ(list(TransferDirection::Download).total, 4);
+}
+
 } // namespace

@@ -70,6 +70,7 @@ ShellMainWindow* ShellApplication::openMainWindow()
     connect(&window->area(), &ShellCentralArea::pageAdded, this, &ShellApplication::pageAdded);
     connect(&window->area(), &ShellCentralArea::pageRemoved, this, &ShellApplication::pageRemoved);
     connect(&window->area(), &ShellCentralArea::pageReleased, &m_heapTrim, &HeapTrim::soon);
+    connect(&window->area(), &ShellCentralArea::pageRemoved, &m_heapTrim, &HeapTrim::soon);
     connect(&window->area(), &ShellCentralArea::currentPageChanged, this,
             &ShellApplication::currentPageChanged);
     m_pageMoves->watch(*window);

@@ -46,6 +46,8 @@ ShellCloudSvrProxy::~ShellCloudSvrProxy() = default;
 
 void ShellCloudSvrProxy::setUser(const NHelioUserInfo& user)
 {
+    if (m_user.userId != user.userId)
+        m_lostUploads.clear();
     m_user = user;
     Q_EMIT loginStatusChanged();
 }

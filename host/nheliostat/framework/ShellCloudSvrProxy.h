@@ -1,6 +1,7 @@
 #pragma once
 
 #include "nheliostat/NHelioCloudSvrProxy.h"
+#include "nheliostat/framework/LostUploads.h"
 #include "nheliostat/framework/ShellCloudService.h"
 #include "nheliostat/framework/SlotReply.h"
 #include "vltcloudsvr/common/Transfers.h"
@@ -19,6 +20,9 @@ class ICloudWindows;
  * vlt::tava::TavaIpcArg), and any function of the service with an argument named "QStringList", whose texts
  * become its arguments by position. "tavaIpcCall" with another argument is answered with success and code 6,
  * any other function with another argument, or one that the service does not know, without success.
+ *
+ * An order of transfers that the service did not take is told: by `orderFailed`, and, of uploads, by the
+ * states that are asked for.
  */
 class ShellCloudSvrProxy final : public NHelioCloudSvrProxy
 {
@@ -94,6 +98,8 @@ Q_SIGNALS:
     void serviceEvent(const QString& name, const QMap<QString, QString>& values);
     /** Transfers began, moved on or ended; about four times a second at most. */
     void transfersChanged();
+    /** What the user asked for is not going to happen; the message is for people. */
+    void orderFailed(vlt::cloudsvr::TransferDirection direction, const QString& message);
     /** A command that was sent to the dialogs of the service. */
     void commandReceived(const QString& command, NHelioSubPage* subPage);
 
@@ -107,7 +113,13 @@ private:
                       const QString& requestId);
     QString callGeneric(const QString& function, const QStringList& arguments, QObject* receiver,
                         const char* slot);
-    void order(QLatin1String function, const QString& argument);
+    void command(QLatin1String function, const QString& argument);
+    using OnOrder = std::function<void(bool isTaken, const Values&)>;
+    void orderUpload(QLatin1String function, const LostUploads::Order& order, const Values& arguments,
+                     const SlotReply& reply);
+    void orderDownload(QLatin1String function, const Values& arguments, const OnOrder& answered);
+    void order(vlt::cloudsvr::TransferDirection direction, QLatin1String function, const Values& arguments,
+               const std::function<void(const QString& problem, const Values&)>& answered);
     vlt::cloudsvr::Caller caller() const;
     void onServiceStarted();
     void onServiceLost();
@@ -121,6 +133,7 @@ private:
     ICloudWindows* m_windows = nullptr;
     bool m_hasLostService = false;
     bool m_hasActiveTransfers = false;
-    int m_resumptions = 0; //!< since transfers last came to an end
+    LostUploads m_lostUploads; //!< of the user
+    int m_resumptions = 0;     //!< since transfers last came to an end
     vlt::cloudsvr::CloudServiceClient m_client;
 };

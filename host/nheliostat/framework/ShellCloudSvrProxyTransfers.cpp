@@ -39,15 +39,12 @@ QString ShellCloudSvrProxy::folderUpload(const QString& groupId, const QString& 
 {
     Q_UNUSED(option)
     const SlotReply reply(newRequestId(), receiver, slot);
-    return callTyped(
-        names::folderUpload,
-        {{QStringLiteral("groupid"), groupId},
-         {QStringLiteral("parentid"), parentId},
-         {QStringLiteral("path"), localFolder}},
-        [reply](bool success, const CallResult& result) {
-            reply.deliver(isDone(names::folderUpload, success, result), "stringMap", result.values);
-        },
-        reply.requestId());
+    orderUpload(names::folderUpload, {groupId, parentId, {localFolder}},
+                {{QStringLiteral("groupid"), groupId},
+                 {QStringLiteral("parentid"), parentId},
+                 {QStringLiteral("path"), localFolder}},
+                reply);
+    return reply.requestId();
 }
 
 QString ShellCloudSvrProxy::batchUploadFileListToAnyExistedPath(
@@ -58,16 +55,13 @@ QString ShellCloudSvrProxy::batchUploadFileListToAnyExistedPath(
     Q_UNUSED(option)
     const SlotReply reply(newRequestId(), receiver, slot);
     const QByteArray list = QJsonDocument(QJsonArray::fromStringList(paths)).toJson(QJsonDocument::Compact);
-    return callTyped(
-        names::uploadFiles,
-        {{QStringLiteral("groupid"), groupId},
-         {QStringLiteral("parentid"), parentId},
-         {QStringLiteral("paths"), QString::fromUtf8(list)},
-         {QStringLiteral("fileid"), fileId}},
-        [reply](bool success, const CallResult& result) {
-            reply.deliver(isDone(names::uploadFiles, success, result), "stringMap", result.values);
-        },
-        reply.requestId());
+    orderUpload(names::uploadFiles, {groupId, parentId, paths},
+                {{QStringLiteral("groupid"), groupId},
+                 {QStringLiteral("parentid"), parentId},
+                 {QStringLiteral("paths"), QString::fromUtf8(list)},
+                 {QStringLiteral("fileid"), fileId}},
+                reply);
+    return reply.requestId();
 }
 
 QString ShellCloudSvrProxy::downloadDir(const QString& groupId, const QStringList& folderIds,
@@ -76,31 +70,70 @@ QString ShellCloudSvrProxy::downloadDir(const QString& groupId, const QStringLis
 {
     Q_UNUSED(receiver)
     Q_UNUSED(option)
-    return callTyped(
-        names::downloadDir,
-        {{QStringLiteral("groupid"), groupId},
-         {QStringLiteral("folderids"), folderIds.join(u'|')},
-         {QStringLiteral("directory"), localDirectory}},
-        [](bool success, const CallResult& result) { isDone(names::downloadDir, success, result); },
-        newRequestId());
+    orderDownload(names::downloadDir,
+                  {{QStringLiteral("groupid"), groupId},
+                   {QStringLiteral("folderids"), folderIds.join(u'|')},
+                   {QStringLiteral("directory"), localDirectory}},
+                  [](bool, const Values&) {});
+    return newRequestId();
 }
 
 QString ShellCloudSvrProxy::downloadCloudFiles(const QStringList& fileIds, const QString& localDirectory,
                                                const QString& historyId, QObject* receiver, const char* slot)
 {
     const SlotReply reply(newRequestId(), receiver, slot);
-    const auto deliver = [reply](bool success, const CallResult& result) {
+    const auto deliver = [reply](bool isTaken, const Values& values) {
         DownloadCloudFilesResult told;
-        const QString joined = result.values.value(QStringLiteral("taskids"));
+        const QString joined = values.value(QStringLiteral("taskids"));
         for (const QString& id : joined.split(u'|', Qt::SkipEmptyParts))
             told.taskIds.append(id.toUtf8());
-        reply.deliver(isDone(names::downloadFiles, success, result), "DownloadCloudFilesResult", told);
+        reply.deliver(isTaken, "DownloadCloudFilesResult", told);
     };
-    return callTyped(names::downloadFiles,
-                     {{QStringLiteral("fileids"), fileIds.join(u'|')},
-                      {QStringLiteral("directory"), localDirectory},
-                      {QStringLiteral("historyid"), historyId}},
-                     deliver, reply.requestId());
+    orderDownload(names::downloadFiles,
+                  {{QStringLiteral("fileids"), fileIds.join(u'|')},
+                   {QStringLiteral("directory"), localDirectory},
+                   {QStringLiteral("historyid"), historyId}},
+                  deliver);
+    return reply.requestId();
+}
+
+void ShellCloudSvrProxy::orderUpload(QLatin1String function, const LostUploads::Order& uploads,
+                                     const Values& arguments, const SlotReply& reply)
+{
+    m_lostUploads.begin(uploads);
+    order(TransferDirection::Upload, function, arguments,
+          [this, uploads, reply, user = m_user.userId](const QString& problem, const Values& values) {
+              if (!problem.isEmpty() && user == m_user.userId)
+                  m_lostUploads.lose(uploads, problem);
+              reply.deliver(problem.isEmpty(), "stringMap", values);
+          });
+}
+
+void ShellCloudSvrProxy::orderDownload(QLatin1String function, const Values& arguments,
+                                       const OnOrder& answered)
+{
+    order(TransferDirection::Download, function, arguments,
+          [answered](const QString& problem, const Values& values) { answered(problem.isEmpty(), values); });
+}
+
+void ShellCloudSvrProxy::order(TransferDirection direction, QLatin1String function, const Values& arguments,
+                               const std::function<void(const QString& problem, const Values&)>& answered)
+{
+    const auto deliver = [this, direction, function, answered](bool success, const CallResult& result) {
+        QString problem;
+        if (isDone(function, success, result)) {
+            // Should the service die before it says so itself.
+            m_hasActiveTransfers = true;
+        } else {
+            problem = success ? result.values.value(QStringLiteral("error")) : QString();
+            if (problem.isEmpty())
+                problem = tr("The cloud service does not answer");
+        }
+        answered(problem, result.values);
+        if (!problem.isEmpty())
+            Q_EMIT orderFailed(direction, problem);
+    };
+    callTyped(function, arguments, deliver, {});
 }
 
 QString ShellCloudSvrProxy::callCloudMethod(const QString& method, const QStringList& arguments,
@@ -118,9 +151,12 @@ QString ShellCloudSvrProxy::callGeneric(const QString& function, const QStringLi
         values.insert(positionKey(i), arguments[i]);
     return callTyped(
         function, values,
-        [reply, function](bool success, const CallResult& result) {
+        [this, reply, function, paths = arguments.value(0)](bool success, const CallResult& result) {
             const bool isWell = isDone(function, success, result);
-            reply.deliver(isWell, "NRpcResponse", isWell ? NRpcResponse{result.values} : NRpcResponse());
+            Values told = isWell ? result.values : Values();
+            if (function == names::uploadStates)
+                m_lostUploads.addStates(paths, told);
+            reply.deliver(isWell, "NRpcResponse", NRpcResponse{told});
         },
         reply.requestId());
 }
@@ -138,7 +174,7 @@ void ShellCloudSvrProxy::listTransfers(TransferDirection direction, int offset, 
               deliver, {});
 }
 
-void ShellCloudSvrProxy::order(QLatin1String function, const QString& argument)
+void ShellCloudSvrProxy::command(QLatin1String function, const QString& argument)
 {
     callTyped(function, {{positionKey(0), argument}},
               [function](bool success, const CallResult& result) { isDone(function, success, result); }, {});
@@ -146,17 +182,17 @@ void ShellCloudSvrProxy::order(QLatin1String function, const QString& argument)
 
 void ShellCloudSvrProxy::cancelTransfers(const QStringList& ids)
 {
-    order(names::cancelTransfers, ids.join(u'|'));
+    command(names::cancelTransfers, ids.join(u'|'));
 }
 
 void ShellCloudSvrProxy::retryTransfers(const QStringList& ids)
 {
-    order(names::retryTransfers, ids.join(u'|'));
+    command(names::retryTransfers, ids.join(u'|'));
 }
 
 void ShellCloudSvrProxy::clearFinishedTransfers(TransferDirection direction)
 {
-    order(names::clearFinishedTransfers, toText(direction));
+    command(names::clearFinishedTransfers, toText(direction));
 }
 
 void ShellCloudSvrProxy::onServiceEvent(const QString& name, const Values& values)

@@ -67,6 +67,8 @@ CloudWindows::CloudWindows(ShellApplication& application, UserSession& user, con
     , m_printing(attendance.answers)
 {
     application.cloudService().setWindows(this);
+    connect(&application.cloudService(), &ShellCloudSvrProxy::orderFailed, this,
+            &CloudWindows::onOrderFailed);
     connect(&application, &ShellApplication::loginRequested, this, &CloudWindows::onLoginRequested);
 }
 
@@ -75,8 +77,8 @@ CloudWindows::~CloudWindows()
     if (m_application)
         m_application->cloudService().setWindows(nullptr);
     // Those that no main window took with it.
-    const QVector<QPointer<QWidget>> windows{m_uploads.data(), m_downloads.data(), m_login.data(),
-                                             m_diagnosis.data(), m_membership.data()};
+    const QVector<QPointer<QWidget>> windows{m_uploads.data(),   m_downloads.data(),  m_login.data(),
+                                             m_diagnosis.data(), m_membership.data(), m_failedOrder.data()};
     for (const QPointer<QWidget>& window : windows)
         delete window;
 }
@@ -157,6 +159,17 @@ void CloudWindows::showMembershipUpgrade(const QString& pageSource)
             showMembershipNotice();
     };
     sitepages::whetherServed(page, this, showIt);
+}
+
+void CloudWindows::onOrderFailed(TransferDirection direction, const QString& message)
+{
+    const QString text = direction == TransferDirection::Upload
+                             ? tr("What you wanted to upload is not uploaded. %1.")
+                             : tr("What you wanted to download is not downloaded. %1.");
+    delete m_failedOrder; // the latest is the one to see
+    m_failedOrder = new NoticeWindow(QStringLiteral("failedTransfer"), tr("Transfers"), text.arg(message),
+                                     windowAround(nullptr));
+    m_failedOrder->present();
 }
 
 void CloudWindows::showMembershipNotice()

@@ -58,6 +58,7 @@ private:
     void showTransfers(QPointer<TransferWindow>& window, vlt::cloudsvr::TransferDirection direction,
                        QWidget* parent);
     void showDiagnosis(const QString& title);
+    void onOrderFailed(vlt::cloudsvr::TransferDirection direction, const QString& message);
     void showMembershipNotice();
     /** The main window of a widget; of null the one in front. */
     QWidget* windowAround(QWidget* parent) const;
@@ -72,6 +73,7 @@ private:
     QPointer<LoginWindow> m_login;
     QPointer<DiagnosisWindow> m_diagnosis;
     QPointer<NoticeWindow> m_membership;
+    QPointer<NoticeWindow> m_failedOrder;
 };
 
 } // namespace shell

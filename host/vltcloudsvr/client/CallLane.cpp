@@ -14,15 +14,14 @@ namespace {
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
 
-constexpr milliseconds startTimeout(3000);
 constexpr milliseconds connectPause(10);
 
 } // namespace
 
-CallLane::CallLane(const QString& socketPath, ServiceStarter& starter, milliseconds timeout,
+CallLane::CallLane(const QString& socketPath, ServiceStarter& starter, Patience patience,
                    std::function<void()> onConnected)
     : m_starter(starter)
-    , m_timeout(timeout)
+    , m_patience(patience)
     , m_onConnected(std::move(onConnected))
     , m_connection(socketPath)
     , m_thread([this] { run(); })
@@ -40,11 +39,11 @@ CallLane::~CallLane()
     m_thread.join();
 }
 
-void CallLane::enqueue(Operation operation, Done done)
+void CallLane::enqueue(Operation operation, Done done, Repeat repeat)
 {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_calls.push_back({std::move(operation), std::move(done), Clock::now() + m_timeout});
+        m_calls.push_back({std::move(operation), std::move(done), Clock::now() + m_patience.answer, repeat});
     }
     m_changed.notify_all();
 }
@@ -67,10 +66,10 @@ void CallLane::run()
             lock.lock();
             continue;
         }
-        const Call call = std::move(m_calls.front());
+        Call call = std::move(m_calls.front());
         m_calls.pop_front();
         lock.unlock();
-        perform(call);
+        perform(std::move(call));
         lock.lock();
     }
 }
@@ -86,7 +85,7 @@ void CallLane::failWaiting()
         call.done(false, {});
 }
 
-void CallLane::perform(const Call& call)
+void CallLane::perform(Call call)
 {
     const auto left = std::chrono::duration_cast<milliseconds>(call.deadline - Clock::now());
     if (left.count() <= 0) { // it waited behind calls that took too long
@@ -99,19 +98,31 @@ void CallLane::perform(const Call& call)
         call.operation(m_connection.client(), answer);
     } catch (const std::exception&) {
         m_connection.close();
-        call.done(false, {});
+        if (call.repeat == Repeat::Once)
+            repeat(std::move(call));
+        else
+            call.done(false, {});
         return;
     }
     call.done(true, {static_cast<ResultCode>(answer.code), toQt(answer.values)});
+}
+
+/** It stays before those that came after it; its deadline stays as well. */
+void CallLane::repeat(Call call)
+{
+    call.repeat = Repeat::Never;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_calls.push_front(std::move(call));
 }
 
 bool CallLane::connect()
 {
     if (m_connection.isUsable())
         return true;
-    const auto deadline = Clock::now() + startTimeout;
+    const auto deadline = Clock::now() + m_patience.start;
     do {
         if (m_connection.open()) {
+            m_starter.noteAnswer();
             m_onConnected();
             return true;
         }

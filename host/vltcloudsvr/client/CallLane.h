@@ -20,8 +20,9 @@ class ServiceStarter;
 
 /**
  * Makes calls one after the other, on a thread and a connection of its own. Starts the service when it is not
- * there. Calls that wait while it cannot be started fail with the one that tried. Destroying it drops the
- * calls that are not answered, without waiting for the service.
+ * there. Calls that wait while it cannot be started fail with the one that tried. A call whose service goes
+ * before it answers is made once more when that is allowed, else it fails. Destroying it drops the calls that
+ * are not answered, without waiting for the service.
  */
 class CallLane
 {
@@ -29,14 +30,22 @@ public:
     using Operation = std::function<void(rpc::CloudServiceClient&, rpc::CallResult&)>;
     using Done = std::function<void(bool success, const CallResult&)>;
 
+    /** Whether a second call does no more than the first. */
+    enum class Repeat { Never, Once };
+    struct Patience
+    {
+        std::chrono::milliseconds answer; //!< from the moment that a call is enqueued
+        std::chrono::milliseconds start;  //!< of a service that is not there
+    };
+
     /** `onConnected` and every `Done` are called on the lane's thread. `starter` outlives it. */
-    CallLane(const QString& socketPath, ServiceStarter& starter, std::chrono::milliseconds timeout,
+    CallLane(const QString& socketPath, ServiceStarter& starter, Patience patience,
              std::function<void()> onConnected);
     ~CallLane();
     CallLane(const CallLane&) = delete;
     CallLane& operator=(const CallLane&) = delete;
 
-    void enqueue(Operation operation, Done done);
+    void enqueue(Operation operation, Done done, Repeat repeat = Repeat::Never);
 
 private:
     using TimePoint = std::chrono::steady_clock::time_point;
@@ -46,17 +55,19 @@ private:
         Operation operation;
         Done done;
         TimePoint deadline;
+        Repeat repeat;
     };
 
     void run();
     void failWaiting();
-    void perform(const Call& call);
+    void perform(Call call);
+    void repeat(Call call);
     bool connect();
     /** False when the lane ends meanwhile. */
     bool pause(std::chrono::milliseconds duration);
 
     ServiceStarter& m_starter;
-    const std::chrono::milliseconds m_timeout;
+    const Patience m_patience;
     const std::function<void()> m_onConnected;
     ServiceConnection m_connection;
     std::mutex m_mutex;

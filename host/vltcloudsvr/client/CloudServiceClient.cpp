@@ -7,6 +7,8 @@
 #include "vltcloudsvr/common/Texts.h"
 #include "vltcloudsvr/common/Transfers.h"
 
+#include <QUuid>
+
 #include "CloudService.h"
 
 #include <thrift/TOutput.h>
@@ -22,6 +24,26 @@ using std::chrono::milliseconds;
 constexpr milliseconds quickTimeout(10'000);
 constexpr milliseconds longTimeout(10 * 60'000);
 constexpr milliseconds startWait(3500);
+constexpr milliseconds quickStart(3000);
+constexpr milliseconds patientStart(10'000); // of what must not get lost
+
+/** Whether the service comes to the same when it is asked twice. */
+CallLane::Repeat repeatOf(const QString& function, const Values& arguments)
+{
+    // Without an argument it toggles.
+    if (function == names::changeRoamingMode)
+        return arguments.value(positionKey(0)).isEmpty() ? CallLane::Repeat::Never : CallLane::Repeat::Once;
+    const bool isHarmless = isTransferFunction(function) || function == names::createDOPRootData ||
+                            function == names::getDOPFileInfo;
+    return isHarmless ? CallLane::Repeat::Once : CallLane::Repeat::Never;
+}
+
+Values withRequestId(const QString& function, Values arguments)
+{
+    if (isTransferOrder(function) && !arguments.contains(requestIdKey))
+        arguments.insert(requestIdKey, QUuid::createUuid().toString(QUuid::Id128));
+    return arguments;
+}
 
 rpc::Caller written(const Caller& caller)
 {
@@ -63,9 +85,9 @@ struct CloudServiceClient::Parts
                   post(&owner, [&owner, name, values] { Q_EMIT owner.eventHappened(name, values); });
               },
               [&owner] { post(&owner, [&owner] { Q_EMIT owner.serviceLost(); }); })
-        , quick(place.socketPath, starter, quickTimeout, [this] { watch.wake(); })
-        , patient(place.socketPath, starter, longTimeout, [this] { watch.wake(); })
-        , transfers(place.socketPath, starter, longTimeout, [this] { watch.wake(); })
+        , quick(place.socketPath, starter, {quickTimeout, quickStart}, [this] { watch.wake(); })
+        , patient(place.socketPath, starter, {longTimeout, quickStart}, [this] { watch.wake(); })
+        , transfers(place.socketPath, starter, {longTimeout, patientStart}, [this] { watch.wake(); })
     {
         starter.setArguments(arguments);
     }
@@ -108,10 +130,11 @@ void CloudServiceClient::call(const Caller& caller, const QString& function, con
     }
     m_parts->laneOf(function).enqueue(
         [caller = written(caller), function = function.toStdString(),
-         arguments = toStd(arguments)](rpc::CloudServiceClient& service, rpc::CallResult& result) {
+         arguments = toStd(withRequestId(function, arguments))](rpc::CloudServiceClient& service,
+                                                                rpc::CallResult& result) {
             service.call(result, caller, function, arguments);
         },
-        std::move(done));
+        std::move(done), repeatOf(function, arguments));
 }
 
 void CloudServiceClient::tavaIpcCall(const Caller& caller, const tava::TavaIpcArg& argument, Reply reply)

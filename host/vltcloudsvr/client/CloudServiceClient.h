@@ -24,8 +24,10 @@ struct ClientSetup
 /**
  * The service as a program with an event loop sees it. Nothing here blocks: calls are made on threads of the
  * client, and answers and signals come on the client's own thread, each at a turn of the event loop of its
- * own. The service is started by the first call that does not find it, also after it died; a call that was
- * under way then fails. Destroying the client drops what is not answered.
+ * own. The service is started by the first call that does not find it, also after it died. A call that was
+ * under way then is made again, once, when it may be: when it only asks, when it does nothing the second
+ * time, and when it orders transfers, since the service knows an order that it took. Any other fails.
+ * Destroying the client drops what is not answered.
  */
 class CloudServiceClient final : public QObject
 {

@@ -7,7 +7,8 @@
 namespace vlt::cloudsvr {
 namespace {
 
-/** How long a process may take until it holds the lock, before another one is started. */
+/** How long a process that has not answered yet may take until it holds the lock, before another is started.
+ */
 constexpr int settleMs = 1000;
 
 } // namespace
@@ -23,6 +24,12 @@ void ServiceStarter::setArguments(const QStringList& arguments)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_arguments = arguments;
+}
+
+void ServiceStarter::noteAnswer()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_sinceStart.invalidate();
 }
 
 bool ServiceStarter::startIfAbsent()

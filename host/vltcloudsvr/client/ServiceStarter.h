@@ -25,6 +25,8 @@ public:
      * cannot be started. The process is on its own: it outlives this one.
      */
     bool startIfAbsent();
+    /** The service answers: when it is gone after that, it need not be given time to begin. */
+    void noteAnswer();
 
 private:
     const QString m_program;

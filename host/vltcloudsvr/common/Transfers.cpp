@@ -58,6 +58,12 @@ TransferRow rowOf(const QJsonObject& object)
 
 } // namespace
 
+bool isTransferOrder(const QString& name)
+{
+    return name == names::folderUpload || name == names::uploadFiles || name == names::downloadDir ||
+           name == names::downloadFiles;
+}
+
 bool isTransferFunction(const QString& name)
 {
     for (const QLatin1String& known :

@@ -24,6 +24,9 @@
  * | "getRoamingMode"                        | none                                         | "roamingmode"|
  * | "changeRoamingMode": the other mode, or | argument 0: "on" or "off", may be missing    | "roamingmode"|
  *
+ * The first four are orders. One with a text "requestid" that the service took before, though whoever asked
+ * may not have heard of it, adds nothing and answers as it did then.
+ *
  * The state of an upload, for each path P that is known: P + "_result" = "0|groupid|parentid|P|size|sha1|
  * fileid", and P = "ok/task", "uploading/percent/task", "queue/0/task", "stop/task" or
  * "fail/0/code/task/detail/message" (field 1 is not used), the message in URL-safe Base64.
@@ -57,6 +60,12 @@ inline QString positionKey(int position)
 {
     return QString::number(position);
 }
+
+/** The key of an order's id. */
+const QString requestIdKey = QStringLiteral("requestid");
+
+/** Whether the function adds transfers. */
+bool isTransferOrder(const QString& name);
 
 /** Whether the function is one of those above: they are answered in order, apart from all others. */
 bool isTransferFunction(const QString& name);

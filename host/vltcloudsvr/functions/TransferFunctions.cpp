@@ -144,39 +144,50 @@ CallResult TransferFunctions::uploadFolder(const Caller&, qint64 context, const 
         return badArgument(problem);
     const Transfer row = pattern(context, TransferDirection::Upload, arguments);
     // All rows are there when this answers: whoever asks for states next finds them.
-    const auto added = m_engine.withStore([&](TransferStore& store) -> Result<qint64> {
-        if (!store.begin())
-            return Error{store.error()};
+    const auto task = carryOut(context, arguments, [&](TransferStore& store) -> Result<QString> {
         const Result<qint64> top = scanFolder(text(arguments, "path"), row,
                                               [&store](const Transfer& found) { return store.add(found); });
-        if (!top) {
-            store.rollBack();
-            return top;
-        }
-        return store.commit() ? top : Result<qint64>(Error{store.error()});
+        return top ? Result<QString>(taskIdOf(*top)) : Result<QString>(top.error());
     });
-    return added ? CallResult{ResultCode::Ok, {{QStringLiteral("taskid"), taskIdOf(*added)}}}
-                 : badArgument(added.error().text);
+    return task ? CallResult{ResultCode::Ok, {{QStringLiteral("taskid"), *task}}}
+                : badArgument(task.error().text);
 }
 
-CallResult TransferFunctions::addAll(const QVector<Transfer>& rows)
+Result<QString> TransferFunctions::carryOut(qint64 context, const Values& arguments, const Add& add)
 {
-    QStringList ids;
-    const QString error = m_engine.withStore([&](TransferStore& store) {
-        bool isWell = store.begin();
-        for (int i = 0; isWell && i < rows.size(); ++i) {
-            const qint64 row = store.add(rows[i]);
-            isWell = row != 0;
+    const QString requestId = arguments.value(requestIdKey);
+    return m_engine.withStore([&](TransferStore& store) -> Result<QString> {
+        if (!store.begin())
+            return Error{store.error()};
+        const auto known = store.orderAnswer(context, requestId);
+        const Result<QString> answer = known ? Result<QString>(*known) : add(store);
+        if (known || !answer) {
+            store.rollBack();
+            return answer;
+        }
+        if (!store.noteOrder(context, requestId, *answer)) {
+            const QString error = store.error();
+            store.rollBack();
+            return Error{error};
+        }
+        return store.commit() ? answer : Result<QString>(Error{store.error()});
+    });
+}
+
+CallResult TransferFunctions::addAll(qint64 context, const Values& arguments, const QVector<Transfer>& rows)
+{
+    const auto tasks = carryOut(context, arguments, [&](TransferStore& store) -> Result<QString> {
+        QStringList ids;
+        for (const Transfer& transfer : rows) {
+            const qint64 row = store.add(transfer);
+            if (row == 0)
+                return Error{store.error()};
             ids.append(taskIdOf(row));
         }
-        if (isWell)
-            return store.commit() ? QString() : store.error();
-        const QString text = store.error();
-        store.rollBack();
-        return text;
+        return ids.join(u'|');
     });
-    return error.isEmpty() ? CallResult{ResultCode::Ok, {{QStringLiteral("taskids"), ids.join(u'|')}}}
-                           : storageError(error);
+    return tasks ? CallResult{ResultCode::Ok, {{QStringLiteral("taskids"), *tasks}}}
+                 : storageError(tasks.error().text);
 }
 
 CallResult TransferFunctions::uploadFiles(const Caller&, qint64 context, const Values& arguments)
@@ -212,7 +223,7 @@ CallResult TransferFunctions::uploadFiles(const Caller&, qint64 context, const V
             row.state = TransferState::Failed;
         rows.append(row);
     }
-    return addAll(rows);
+    return addAll(context, arguments, rows);
 }
 
 CallResult TransferFunctions::downloadFolders(const Caller&, qint64 context, const Values& arguments)
@@ -232,7 +243,7 @@ CallResult TransferFunctions::downloadFolders(const Caller&, qint64 context, con
             problem = QStringLiteral("\"%1\" is no id").arg(id);
         rows.append(row);
     }
-    return problem.isEmpty() ? addAll(rows) : badArgument(problem);
+    return problem.isEmpty() ? addAll(context, arguments, rows) : badArgument(problem);
 }
 
 CallResult TransferFunctions::downloadFiles(const Caller&, qint64 context, const Values& arguments)
@@ -254,7 +265,7 @@ CallResult TransferFunctions::downloadFiles(const Caller&, qint64 context, const
     }
     if (problem.isEmpty() && rows.isEmpty())
         problem = QStringLiteral("\"fileids\" is empty");
-    return problem.isEmpty() ? addAll(rows) : badArgument(problem);
+    return problem.isEmpty() ? addAll(context, arguments, rows) : badArgument(problem);
 }
 
 CallResult TransferFunctions::uploadStates(const Caller&, qint64 context, const Values& arguments)

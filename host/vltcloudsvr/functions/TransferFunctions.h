@@ -5,6 +5,7 @@
 #include "vltcloudsvr/transfers/TransferEngine.h"
 #include "vltcloudsvr/transfers/TransferQueries.h"
 
+#include <functional>
 #include <memory>
 
 namespace vlt::cloudsvr {
@@ -36,7 +37,10 @@ private:
     CallResult getRoamingMode(const Caller& caller, qint64 context, const Values& arguments);
     CallResult changeRoamingMode(const Caller& caller, qint64 context, const Values& arguments);
 
-    CallResult addAll(const QVector<Transfer>& rows);
+    using Add = std::function<Result<QString>(TransferStore&)>;
+    /** All that an order adds, or nothing; the answer of the first time when it is repeated. */
+    Result<QString> carryOut(qint64 context, const Values& arguments, const Add& add);
+    CallResult addAll(qint64 context, const Values& arguments, const QVector<Transfer>& rows);
 
     template <typename Query>
     auto withQueries(Query query)

@@ -12,7 +12,7 @@
 namespace vlt::cloudsvr {
 namespace {
 
-constexpr int schemaVersion = 1;
+constexpr int schemaVersion = 2;
 
 constexpr const char* schema[] = {
     "CREATE TABLE IF NOT EXISTS contexts (id INTEGER PRIMARY KEY, user_id TEXT NOT NULL, api_url TEXT NOT "
@@ -25,6 +25,8 @@ constexpr const char* schema[] = {
     "0, group_id TEXT, remote_parent TEXT, remote_id TEXT, history TEXT, name TEXT, path TEXT, root TEXT, "
     "below TEXT, size INTEGER NOT NULL, modified INTEGER NOT NULL DEFAULT 0, sha1 TEXT, code TEXT, detail "
     "TEXT, message TEXT, ended INTEGER NOT NULL DEFAULT 0)",
+    "CREATE TABLE IF NOT EXISTS orders (id INTEGER PRIMARY KEY AUTOINCREMENT, context INTEGER NOT NULL, "
+    "request TEXT NOT NULL, answer TEXT NOT NULL, UNIQUE (context, request))",
     // What is next; pages and totals; states of uploads; states of downloaded folders; what is in a folder.
     "CREATE INDEX IF NOT EXISTS by_queue ON transfers (context, kind, id) WHERE state = 0",
     "CREATE INDEX IF NOT EXISTS by_list ON transfers (context, direction, state, kind, id, size)",
@@ -126,7 +128,7 @@ bool TransferDatabase::open()
     if (isWell && version < schemaVersion) {
         for (const char* statement : schema)
             isWell = isWell && set(statement);
-        isWell = isWell && set("PRAGMA user_version = 1");
+        isWell = isWell && set("PRAGMA user_version = 2");
     }
     m_isOpen = isWell;
     return isWell;

@@ -5,6 +5,8 @@
 namespace vlt::cloudsvr {
 namespace {
 
+constexpr int latestOrders = 1000;
+
 /** A null text would be stored, and compared, as NULL. */
 QVariant bound(const QString& text)
 {
@@ -80,6 +82,30 @@ qint64 TransferStore::add(const Transfer& row)
          bound(row.groupId), bound(row.remoteParent), bound(row.remoteId), bound(row.history),
          bound(row.name), bound(row.path), bound(row.root), bound(row.below), row.size, bound(row.problem)});
     return query ? query->lastInsertId().toLongLong() : 0;
+}
+
+std::optional<QString> TransferStore::orderAnswer(qint64 context, const QString& requestId)
+{
+    if (requestId.isEmpty())
+        return {};
+    QSqlQuery* query =
+        m_database.run("SELECT answer FROM orders WHERE context = ? AND request = ?", {context, requestId});
+    std::optional<QString> answer;
+    if (query && query->next())
+        answer = query->value(0).toString();
+    if (query)
+        query->finish();
+    return answer;
+}
+
+bool TransferStore::noteOrder(qint64 context, const QString& requestId, const QString& answer)
+{
+    if (requestId.isEmpty())
+        return true;
+    QSqlQuery* query = m_database.run("INSERT INTO orders (context, request, answer) VALUES (?, ?, ?)",
+                                      {context, requestId, bound(answer)});
+    return query && m_database.run("DELETE FROM orders WHERE id <= ?",
+                                   {query->lastInsertId().toLongLong() - latestOrders});
 }
 
 std::optional<Transfer> TransferStore::next(qint64 context, qint64 now, const QSet<qint64>& others)

@@ -28,6 +28,10 @@ public:
     void rollBack() { m_database.rollBack(); }
     /** Answers the row; 0 on an error. A file's upload that is there and not finished is not added again. */
     qint64 add(const Transfer& transfer);
+    /** What an order with this id was answered, if it was taken; an empty id is of no order. */
+    std::optional<QString> orderAnswer(qint64 context, const QString& requestId);
+    /** Belongs between the two above. The latest orders are kept, many more than can be repeated. */
+    bool noteOrder(qint64 context, const QString& requestId, const QString& answer);
     const QString& error() const { return m_database.error(); }
 
     /** Folders before files, each in the order of adding; none of the rows in `others`. */

@@ -3,6 +3,7 @@
 import collections
 import os
 import re
+import time
 
 from processes import children, command_line
 
@@ -14,6 +15,9 @@ Usage = collections.namedtuple("Usage", "processes own pss rss descriptors")
 GROWTH = 1.15
 SMALL_OWN = 8 << 10
 FEW_DESCRIPTORS = 4
+
+# Longer than the shell waits, after the last page went, before it gives memory back.
+QUIET_SECONDS = 4
 
 
 def role(pid):
@@ -65,19 +69,20 @@ def measure(world):
 
 
 def settled(world):
-    """The usage once nothing changes any more: two looks in a row find the same processes and all but the same memory."""
-    latest = measure(world)
+    """The usage once nothing changes any more: for some seconds the same processes, and all but the same memory."""
+    latest, since = measure(world), time.monotonic()
 
-    def is_same():
-        nonlocal latest
-        before, latest = latest, measure(world)
-        total = sum(each.own for each in latest.values())
-        change = abs(total - sum(each.own for each in before.values()))
-        same = {name: each.processes for name, each in before.items()} == {name: each.processes for name, each in latest.items()}
-        return same and change < total / 100
-    looks = iter(range(1000))
-    world.until(lambda: next(looks) and is_same(), "processes and memory settle", 60)
-    return latest
+    def is_quiet():
+        nonlocal latest, since
+        now = measure(world)
+        total = sum(each.own for each in now.values())
+        change = abs(total - sum(each.own for each in latest.values()))
+        if change > total / 100 or {name: each.processes for name, each in now.items()} != \
+                {name: each.processes for name, each in latest.items()}:
+            latest, since = now, time.monotonic()
+        return time.monotonic() - since >= world.limit(QUIET_SECONDS)
+    world.until(is_quiet, "processes and memory settle", 60)
+    return measure(world)
 
 
 def grown(start, end):

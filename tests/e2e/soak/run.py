@@ -36,9 +36,10 @@ COMMON = [
     (4, actions.reload), (3, actions.release_and_come_back), (3, actions.look_at_tabs), (1, actions.open_table),
     (1, actions.print_document), (2, actions.choose_files), (2, actions.transfer), (1, actions.sign_out_and_in),
     (2, faults.kill_renderer), (2, faults.kill_service), (1, faults.kill_service_while_transferring),
+    (1, faults.kill_service_as_it_is_asked),
     (2, faults.server_down_and_back), (1, faults.full_disk), (1, faults.change_clock), (2, short_quiet),
 ]  # fmt: skip
-LONG = COMMON + [(1, quiet), (1, faults.kill_service_as_it_is_asked)]
+LONG = COMMON + [(1, quiet)]
 
 
 class Life:
