@@ -1,11 +1,15 @@
 """What holds after every step, seen from outside. Each check raises an AssertionError that says what does not hold."""
 
+import collections
 import json
 import re
 
 from walks.world import markers
 
-CONNECTION = re.compile(r"connid: (\w+)")
+MADE = re.compile(r"injectId: \w+ connid: (\w+)")
+CONNECTION = re.compile(r"connid\W+(\w+)")
+# What is asked for a document: the kind of the request, the document, what of it.
+OF_A_DOCUMENT = re.compile(r"(/api/v3/office/file/|/api/v3/office/prefetch/vcs/|/office-config/)(\d+)(/preopen|\?part=[\w,]+)?")
 
 
 def check(world, requests):
@@ -45,28 +49,33 @@ def page_is_its_documents(world, place):
 
 
 class Requests:
-    """What the add-on asks the server: nothing twice for one load, under ids that no other load has."""
+    """What the add-on asks the server: each thing once for a load that was begun, under ids that no other load has."""
 
     def __init__(self, world):
         self._world = world
         self._first = len(world.server.requests())
-        self._since = world.shell.mark()
 
     def check(self):
         made = [found.group(1) for each in self._world.shell.notifications("log")
-                if (found := CONNECTION.search(each.params["text"]))]
-        assert len(set(made)) == len(made), "a connection id was made twice"
-        asked = {}
+                if (found := MADE.match(each.params["text"]))]
+        assert len(set(made)) == len(made), "a connection id was made twice: %s" % made
+        asked, documents = collections.Counter(), collections.defaultdict(list)
         for each in self._world.server.requests()[self._first:]:
-            if not is_add_ons(each):
+            found = OF_A_DOCUMENT.match(each["target"])
+            if not found:
                 continue
-            key = each["target"], connection_of(each)
-            asked[key] = asked.get(key, 0) + 1
-        twice = {key: count for key, count in asked.items() if count > 1 and is_of_one_load(*key)}
-        assert not twice, "asked more than once: %s" % twice
-        files = {}
-        for target, connection in asked:
-            if connection:
-                files.setdefault(connection, set()).add(target)
-        shared = {connection: targets for connection, targets in files.items() if len(targets) > 1}
-        assert not shared, "a connection id of several documents: %s" % shared
+            document = found.group(2)
+            connection = CONNECTION.search(each["target"] + each["body"])
+            is_add_ons = "AppleWebKit" not in each["userAgent"]
+            if is_add_ons:
+                asked[(found.group(1) + (found.group(3) or ""), document)] += 1
+            if connection and is_add_ons:
+                documents[connection.group(1)].append(document)
+                assert connection.group(1) in made, "a connection id of nobody: %s" % connection.group(1)
+            elif connection and connection.group(1) in made:
+                documents[connection.group(1)].append(document)
+                # the page may ask itself for what the add-on did not get
+                assert len(set(documents[connection.group(1)])) == 1, "one connection id for %s" % documents[connection.group(1)]
+        for (what, document), count in asked.items():
+            begun = self._world.loads[document]
+            assert count <= begun, "%s of %s was asked for %d times in %d loads" % (what, document, count, begun)

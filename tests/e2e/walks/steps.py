@@ -6,7 +6,7 @@ import shutil
 import signal
 import time
 
-from e2e_case import TYPE_TEXT, UNTIL_SAVED
+from e2e_case import BUILD, TYPE_TEXT, UNTIL_SAVED
 from helio_shell import RpcError
 from local_packages import (
     ADD_ON_GROUP, DELAYED_LOAD_ITEM, PRELOADING_ITEM, PROXY_RESET_ITEM, VERSION_CHECK_ITEM, copy_package, installed_packages)
@@ -48,14 +48,18 @@ def told(place, text=""):
 
 # Documents
 
-def go(world, place, document, act, may_hurry=True):
+def go(world, place, document, act, may_hurry=True, is_by_browser=False):
     """The page is asked for the document by `act`; waits until it shows it, or hurries on."""
-    if place.document is not None and not place.is_released:
+    if place.is_hurried or place.is_released or place.document is None:
+        place.behind.clear()  # what was never shown is nothing to go back to
+    else:
         place.behind.append(place.document)
     place.document = document
     if document is None:
         world.new_wanted += 1
     act()
+    if is_by_browser:
+        world.until(lambda: "/p/" + document in world.state(place)["url"], lambda: told(place, " is on its way"))
     if not may_hurry or world.dice.random() >= HURRY:
         world.settle(place)
     else:
@@ -65,6 +69,7 @@ def go(world, place, document, act, may_hurry=True):
 
 def tell(world, place):
     def act():
+        world.loads[place.document] += 1
         world.shell.call("page.notify", page=place.page, text=world.url(place.document))
         state = world.state(place)
         if not state["loaded"] or state["released"]:
@@ -78,7 +83,7 @@ def open_document(world):
     if len(world.places) >= MOST_PAGES:
         return close(world)
     place = world.add_place(world.dice.choice((1, 48)))
-    return go(world, place, another(world), tell(world, place))
+    return "opened, " + go(world, place, another(world), tell(world, place))
 
 
 def notify_another(world):
@@ -103,7 +108,7 @@ def follow_link(world):
 
     def act():
         world.shell.evaluate(place.page, "setTimeout(() => location.assign(%s)); return true" % json.dumps(world.url(document)))
-    return go(world, place, document, act)
+    return "link, " + go(world, place, document, act, is_by_browser=True)
 
 
 def back(world):
@@ -116,7 +121,7 @@ def back(world):
     def act():
         world.shell.evaluate(place.page, "setTimeout(() => history.back()); return true")
         place.behind[:] = behind
-    return go(world, place, document, act)
+    return go(world, place, document, act, is_by_browser=True)
 
 
 def close(world):
@@ -132,8 +137,12 @@ def type_word(world):
     place = shown(world)
     if place is None or kind_of(place.document) != "w" or [each.document for each in world.places].count(place.document) > 1:
         return open_document(world)
-    world.shell.evaluate(place.page, TYPE_TEXT % json.dumps(" " + marker(place.document)) + UNTIL_SAVED, timeout=world.limit(45))
-    world.contents[place.document] = world.stored()[place.document]["content"]
+    world.words += 1
+    word = " %sn%d" % (marker(place.document), world.words)
+    world.shell.evaluate(place.page, TYPE_TEXT % json.dumps(word) + UNTIL_SAVED, timeout=world.limit(45))
+    stored = world.stored()[place.document]
+    assert word in json.dumps(stored), "saved, the page says, but the server has %s" % json.dumps(stored["content"])[:500]
+    world.contents[place.document] = stored["content"]
     return told(place)
 
 
@@ -169,13 +178,15 @@ def come_back(world):
         return release(world)
     place = world.dice.choice(released)
     place.is_released = False
-    return again(world, place, lambda: world.shell.call("page.load", page=place.page))
+    world.loads[place.document] += 1
+    return again(world, place, lambda: world.shell.call(world.dice.choice(("page.load", "tab.select")), page=place.page))
 
 
 def restart(world):
     place = shown(world)
     if place is None:
         return open_document(world)
+    world.loads[place.document] += 1
     return again(world, place, lambda: world.shell.call("tab.trigger", page=place.page, action="fixTab"))
 
 
@@ -197,8 +208,10 @@ def move_to_window_and_back(world):
     place = shown(world)
     if place is None:
         return open_document(world)
-    names = {each["name"] for each in world.shell.call("tab.menu", page=place.page)}
-    action = "reAttachTab" if "reAttachTab" in names else "detachTab"
+    names = [each["name"] for each in world.shell.call("tab.menu", page=place.page) if each["enabled"]]
+    action = next((each for each in ("reAttachTab", "detachTab") if each in names), None)
+    if action is None:
+        return open_document(world)
     world.shell.call("tab.trigger", page=place.page, action=action)
     world.settle(place)
     return told(place, ", " + action)
@@ -214,6 +227,7 @@ def change_login(world):
     world.shell.call("user.set", **world.user)
     for place in world.places:
         place.behind.clear()
+        world.loads[place.document] += place.is_released
         place.is_released = world.state(place)["released"]
         if not place.is_released and not place.is_hurried:
             world.shell.wait_for_page(place.page, "webFileReady", since=since, timeout=world.limit(45))
@@ -277,7 +291,7 @@ def turn_switch(world):
         (VERSION_CHECK_ITEM, {"enabled": True}), (VERSION_CHECK_ITEM, {"enabled": False}),
         (PROXY_RESET_ITEM, {"enabled": True}), (PROXY_RESET_ITEM, {"enabled": False}),
         (PRELOADING_ITEM, {"enabled": True}), (PRELOADING_ITEM, {"enabled": False})))
-    world.shell.call("config.set", group=ADD_ON_GROUP, item=item, value=value)
+    world.shell.call("config.set", group=int(ADD_ON_GROUP), item=int(item), value=value)
     return "%s %s" % (item, value)
 
 

@@ -1,5 +1,6 @@
 """The world of a walk: a documents server, one shell at a time, documents with a marker each, and what every page has to show."""
 
+import collections
 import glob
 import json
 import os
@@ -62,6 +63,7 @@ class World:
         self.server = DocumentsServer(PROGRAMS, self.documents, SITE, ["--packages", PACKAGE_ZIPS])
         self.contents = {}  # of each document that is known, as it was left by its own page
         self.new_wanted = 0  # new documents that were asked for, and are not known yet
+        self.words = 0
         self._make_documents()
         self.shells = []
         self.shell = None
@@ -76,7 +78,7 @@ class World:
             for number in TABLES if kind == "s" else TEXTS:
                 document.update(id=number, name="Walk %s.%s" % (number, "xlsx" if kind == "s" else "docx"))
                 if kind == "s":
-                    document["content"]["sheets"][0]["rows"][0][0] = marker(number)
+                    document["content"]["sheets"][0]["name"] = marker(number)  # rows are drawn in the current tab only
                 else:
                     text["content"][0]["content"][0]["text"] = marker(number)
                     document["content"] = text
@@ -122,6 +124,7 @@ class World:
                            directory=directory, environment={"DISPLAY": own_display().name})
         self.shells.append(self.shell)
         self.places = []
+        self.loads = collections.Counter()  # of each document in this shell, as opens of their own
         return "prepared browsers %s, upgrade %s, %s" % (prepares, "plugins" in extra, options)
 
     def end_shell(self):
