@@ -67,7 +67,7 @@ class Requests:
             document = found.group(2)
             connection = CONNECTION.search(each["target"] + each["body"])
             is_add_ons = "AppleWebKit" not in each["userAgent"]
-            if is_add_ons:
+            if is_add_ons and each["status"] != 0:  # what a reset connection took is sent again
                 asked[(found.group(1) + (found.group(3) or ""), document)] += 1
             if connection and is_add_ons:
                 documents[connection.group(1)].append(document)
