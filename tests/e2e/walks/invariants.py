@@ -35,7 +35,7 @@ def documents_are_their_own(world):
 
 def page_is_its_documents(world, place):
     """The document that was asked for last, and nothing of any other."""
-    world.settle(place)
+    seen = world.settle(place)
     name = world.stored()[place.document]["name"]
     world.until(lambda: world.state(place)["title"] == name, lambda: "the title of page %d is %r, not %r" % (
         place.page, world.state(place)["title"], name))
@@ -43,7 +43,6 @@ def page_is_its_documents(world, place):
     for member in ("url", "notifyUrl"):
         assert "/p/" + place.document in state[member], "%s of page %d with %s is %s" % (
             member, place.page, place.document, state[member])
-    seen = world.look(place)
     found = markers(seen["all"]) - {place.document}
     assert not found, "page %d with %s holds text of %s" % (place.page, place.document, sorted(found))
 

@@ -52,7 +52,7 @@ def go(world, place, document, act, may_hurry=True, is_by_browser=False):
     """The page is asked for the document by `act`; waits until it shows it, or hurries on."""
     if place.is_hurried or place.is_released or place.document is None:
         place.behind.clear()  # what was never shown is nothing to go back to
-    else:
+    elif document != place.document:
         place.behind.append(place.document)
     place.document = document
     if document is None:
@@ -91,6 +91,14 @@ def notify_another(world):
     if place is None or place.document is None:
         return open_document(world)
     return go(world, place, another(world, place), tell(world, place))
+
+
+def notify_again(world):
+    """The document that the page shows, or is about to."""
+    place = a_place(world)
+    if place is None or place.document is None:
+        return open_document(world)
+    return go(world, place, place.document, tell(world, place))
 
 
 def new_document(world):
@@ -296,7 +304,7 @@ def turn_switch(world):
 
 
 TABLE = [
-    (6, open_document), (10, notify_another), (6, follow_link), (5, back), (2, new_document), (4, type_word), (1, close),
+    (6, open_document), (10, notify_another), (2, notify_again), (6, follow_link), (5, back), (2, new_document), (4, type_word), (1, close),
     (4, release), (5, come_back), (3, restart), (4, crash_renderer), (1, crash_service), (1, change_login),
     (2, move_to_window_and_back), (4, change_versions), (3, fail_at_server), (2, damage_package), (2, turn_switch),
 ]  # fmt: skip

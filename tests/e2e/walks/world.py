@@ -182,7 +182,7 @@ class World:
             return str(error)
 
     def settle(self, place):
-        """Waits until the page shows the document that it was asked for last."""
+        """Waits until the page shows the document that it was asked for last. Returns what it shows."""
         seen = ""
 
         def is_shown():
@@ -201,6 +201,7 @@ class World:
             self.new_wanted -= 1
             self.contents[place.document] = self.stored()[place.document]["content"]
         place.is_hurried = False
+        return seen
 
     @property
     def marked(self):
