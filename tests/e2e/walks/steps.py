@@ -18,6 +18,8 @@ from walks.world import STARTING_VERSION, TABLES, TEXTS, UPGRADE, kind_of, marke
 MOST_PAGES = 4
 # How often the next step does not wait for what this one asked for.
 HURRY = 0.3
+# Under how many addresses a page may have shown one document: the server is asked for it where a package does not fit.
+MOST_ADDRESSES = 3
 
 
 # Choosing
@@ -69,7 +71,7 @@ def go(world, place, document, act, may_hurry=True, is_by_browser=False):
 
 def tell(world, place):
     def act():
-        world.loads[place.document] += 1
+        world.loads[place.document] += 1 + place.is_restarting
         world.shell.call("page.notify", page=place.page, text=world.url(place.document))
         state = world.state(place)
         if not state["loaded"] or state["released"]:
@@ -123,11 +125,18 @@ def back(world):
     place = shown(world)
     if place is None or not place.behind:
         return follow_link(world)
+    leaving = place.document
     document = place.behind.pop()
     behind = list(place.behind)
 
     def act():
-        world.shell.evaluate(place.page, "setTimeout(() => history.back()); return true")
+        for _ in range(MOST_ADDRESSES):
+            before = world.state(place)["url"]
+            world.shell.evaluate(place.page, "setTimeout(() => history.back()); return true")
+            world.until(lambda: world.state(place)["url"] != before, lambda: told(place, ": back leads away from " + before))
+            if "/p/" + document in world.state(place)["url"]:
+                break
+            world.settle_at(place, leaving)
         place.behind[:] = behind
     return go(world, place, document, act, is_by_browser=True)
 
@@ -195,6 +204,7 @@ def restart(world):
     if place is None:
         return open_document(world)
     world.loads[place.document] += 1
+    place.is_restarting = True  # goes on after the answer
     return again(world, place, lambda: world.shell.call("tab.trigger", page=place.page, action="fixTab"))
 
 
@@ -273,6 +283,7 @@ def fail_at_server(world):
                 "/api/quill/office/prefetch/config")
     fault = world.dice.choice(({"status": 500}, {"delayMs": 2500}, {"body": "{\"result\": \"ok"}, {"cutAfter": 20}, {"reset": True}))
     rule = {world.dice.choice(prefixes): dict(fault, times=1)}
+    world.loads[document] += "cutAfter" in fault  # what was cut is asked again
     world.tell_server(fault=rule)
     text = go(world, place, document, tell(world, place), may_hurry=False)
     world.tell_server(fault={})

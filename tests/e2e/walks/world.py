@@ -50,6 +50,7 @@ class Place:
         self.behind = []  # where going back leads to
         self.is_released = False
         self.is_hurried = False  # not waited for yet
+        self.is_restarting = False
 
 
 class World:
@@ -200,8 +201,14 @@ class World:
             place.document = seen["fileId"]
             self.new_wanted -= 1
             self.contents[place.document] = self.stored()[place.document]["content"]
-        place.is_hurried = False
+        place.is_hurried = place.is_restarting = False
         return seen
+
+    def settle_at(self, place, document):
+        """Waits until the page shows that document, which is on the way to the one that it was asked for."""
+        wanted, place.document = place.document, document
+        self.settle(place)
+        place.document = wanted
 
     @property
     def marked(self):
