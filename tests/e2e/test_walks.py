@@ -4,7 +4,7 @@ import unittest
 
 from walks.walk import Walk
 
-STEPS = 65
+STEPS = 60
 
 
 class WalkCase(unittest.TestCase):

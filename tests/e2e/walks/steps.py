@@ -100,7 +100,12 @@ def notify_again(world):
     place = a_place(world)
     if place is None or place.document is None:
         return open_document(world)
-    return go(world, place, place.document, tell(world, place))
+    before, since = world.state(place), world.shell.mark()
+    text = go(world, place, place.document, tell(world, place), may_hurry=False)
+    if before["loaded"] and world.state(place)["notifyUrl"] != before["notifyUrl"]:  # loaded anew, at another address
+        world.shell.wait_for_page(place.page, "webFileReady", since=since, timeout=world.limit(45))
+        world.settle(place)
+    return text
 
 
 def new_document(world):
