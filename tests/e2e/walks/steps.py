@@ -286,7 +286,8 @@ def fail_at_server(world):
     document = another(world, place)
     prefixes = ("/api/v3/office/file/%s/preopen" % document, "/office-config/%s" % document, "/api/v3/office/prefetch/vcs",
                 "/api/quill/office/prefetch/config")
-    fault = world.dice.choice(({"status": 500}, {"delayMs": 2500}, {"body": "{\"result\": \"ok"}, {"cutAfter": 20}, {"reset": True}))
+    fault = world.dice.choice((
+        {"status": 500}, {"delayMs": 2500}, {"body": "{\"result\": \"ok"}, {"cutAfter": 20}, {"reset": True}))
     rule = {world.dice.choice(prefixes): dict(fault, times=1)}
     world.loads[document] += "cutAfter" in fault  # what was cut is asked again
     world.tell_server(fault=rule)
@@ -320,8 +321,8 @@ def turn_switch(world):
 
 
 TABLE = [
-    (6, open_document), (10, notify_another), (2, notify_again), (6, follow_link), (5, back), (2, new_document), (4, type_word), (1, close),
-    (4, release), (5, come_back), (3, restart), (4, crash_renderer), (1, crash_service), (1, change_login),
+    (6, open_document), (10, notify_another), (2, notify_again), (6, follow_link), (5, back), (2, new_document),
+    (4, type_word), (1, close), (4, release), (5, come_back), (3, restart), (4, crash_renderer), (1, crash_service), (1, change_login),
     (2, move_to_window_and_back), (4, change_versions), (3, fail_at_server), (2, damage_package), (2, turn_switch),
 ]  # fmt: skip
 

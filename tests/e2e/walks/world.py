@@ -193,7 +193,8 @@ class World:
                 return False
             if place.document is None:
                 return seen["fileId"] and seen["fileId"] not in self.contents
-            return seen["fileId"] == place.document and (place.document not in self.marked or marker(place.document) in seen["text"])
+            is_complete = place.document not in self.marked or marker(place.document) in seen["text"]
+            return seen["fileId"] == place.document and is_complete
         self.until(is_shown, lambda: "page %d shows %s, which was asked for last; it is at %s and shows %s" % (
             place.page, place.document or "a new document", self.state(place)["url"],
             {**seen, "all": "…"} if isinstance(seen, dict) else seen))
