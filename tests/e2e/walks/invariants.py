@@ -64,14 +64,14 @@ class Requests:
 
     def __init__(self, world):
         self._world = world
-        self._first = len(world.server.requests())
 
     def check(self):
-        made = [found.group(1) for each in self._world.shell.notifications("log")
+        # Of all shells: what is answered late is logged after its shell has ended.
+        made = [found.group(1) for shell in self._world.shells for each in shell.notifications("log")
                 if (found := MADE.match(each.params["text"]))]
         assert len(set(made)) == len(made), "a connection id was made twice: %s" % made
         asked, documents = collections.Counter(), collections.defaultdict(list)
-        for each in self._world.server.requests()[self._first:]:
+        for each in self._world.server.requests():
             found = OF_A_DOCUMENT.match(each["target"])
             if not found:
                 continue

@@ -37,19 +37,19 @@ class Walk:
     def run(self):
         """Whether everything held; else `failure` says what did not."""
         world = World(self._dice, self._patience)
+        requests = invariants.Requests(world)
         try:
             while not self.is_over:
-                self._live(world)
+                self._live(world, requests)
         except Exception as error:  # whatever it is, it is what a walk is there to find
             self._note_failure(world, error)
         finally:
             world.end()
         return not self.failure
 
-    def _live(self, world):
+    def _live(self, world, requests):
         """The steps of one shell."""
         self._latest.append("a shell: " + world.start_shell())
-        requests = invariants.Requests(world)
         for _ in range(self._dice.randint(*STEPS_A_SHELL)):
             if self.is_over:
                 break

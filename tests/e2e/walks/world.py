@@ -65,6 +65,7 @@ class World:
         self.contents = {}  # of each document that is known, as it was left by its own page
         self.new_wanted = 0  # new documents that were asked for, and are not known yet
         self.words = 0
+        self.loads = collections.Counter()  # of each document, as opens of their own
         self._make_documents()
         self.shells = []
         self.shell = None
@@ -125,7 +126,6 @@ class World:
                            directory=directory, environment={"DISPLAY": own_display().name})
         self.shells.append(self.shell)
         self.places = []
-        self.loads = collections.Counter()  # of each document in this shell, as opens of their own
         return "prepared browsers %s, upgrade %s, %s" % (prepares, "plugins" in extra, options)
 
     def end_shell(self):
