@@ -325,7 +325,7 @@ QString NHelioCloudDocsPage::reloadUrlFor(const QString& reason) const
 /** Loads the same document again; without a URL to load, the fallback is shown (nothing for an empty one). */
 void NHelioCloudDocsPage::reload(LoadReason reason, const QString& reasonText, const QUrl& fallback)
 {
-    if (!m_browser)
+    if (!m_browser || m_load->isHeldBack()) // what is not shown yet comes all the same
         return;
     if (m_load->reloadUrl().isEmpty())
         m_load->setReloadUrl(reloadUrlFor(reasonText));

@@ -40,6 +40,14 @@ class LocalPackageTest(PackageCase):
             self.assertEqual(set(self.answers(shell, page, part)) - {"local"}, set(), part)
         self.assertIn("Budget", self.state(shell, page)["title"])
 
+    def test_a_link_leads_to_a_document_of_another_kind(self):
+        shell = self.start_with(installed_packages(BUILD))
+        page = self.open_text(shell, TABLE_DOCUMENT)
+        # Its first script is in memory already, its editor is not: it runs long after the page was read.
+        shell.evaluate(page, "setTimeout(() => location.assign('/p/100001')); return true")
+        self.until_page(shell, page, "window.__DOCS_STATE__ && __DOCS_STATE__.officeType === 'w' && __DOCS_STATE__.editable")
+        self.assert_readable(shell, page)
+
     def test_edits_are_saved_and_seen_after_a_reload(self):
         shell = self.start_with(installed_packages(BUILD))
         page = self.open_text(shell)

@@ -94,6 +94,20 @@ protected:
     NDOPResourceManager::Counts counts() const { return NDOPResourceManager::instance()->counts(); }
 };
 
+TEST_F(DocumentLoad, ADocumentThatIsHeldBackOutlivesACrashAndALoginChange)
+{
+    items.insert(59777, R"({"enabled": true, "delay_interval": 300})");
+    begin();
+    open({"/p/7?officeType=w"});
+    browser->setStartupUrl(server.origin() + QStringLiteral("/start"));
+    browser->deliverCrash();
+    shell->setUser({});
+    EXPECT_TRUE(page->notifyUrl().contains(QStringLiteral("/p/7"))) << page->notifyUrl().toStdString();
+    ASSERT_TRUE(waitUntil([this] { return shownFile() == QStringLiteral("7"); }));
+    for (const QUrl& loaded : qAsConst(browser->loads))
+        EXPECT_EQ(loaded.path(), QStringLiteral("/p/7"));
+}
+
 TEST_F(DocumentLoad, TheNextDocumentOfAPageHasNothingOfTheOneBefore)
 {
     begin();

@@ -53,3 +53,16 @@ test('a page whose scripts are gone goes to the server once', () => {
   named(there.added, 'script')[0].onerror();
   assert.equal(there.problem.hidden, false);
 });
+
+test('the page is told once when all its scripts ran or failed', () => {
+  const page = fakePage();
+  let told = 0;
+  page.owner.skyleafDocs = { scriptsRead: () => { told += 1; } };
+  new PageScripts(page.owner, ['a.js', 'b.js'], { wait: false }).load({ afterPainting: false });
+  const [first, second] = named(page.added, 'script');
+  first.onload();
+  assert.equal(told, 0, 'the editor may still come');
+  second.onerror();
+  assert.equal(told, 1);
+  assert.deepEqual(page.replaced, []);
+});

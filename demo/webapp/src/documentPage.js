@@ -26,6 +26,8 @@ window.skyleafDocs = {
     this.versions.editor = version;
     editors.register(typeCode, mount);
   },
+  /** Called by the page once each of its scripts ran, or failed. */
+  scriptsRead: () => editors.allScriptsRead(),
   notify: (notice) => frame.showNotice(notice),
   /** Asked by the desktop side before the page ends: saves what can be saved; resolves to whether nothing is lost then. */
   prepareToLeave: () => screen.prepareToLeave(),
@@ -64,7 +66,6 @@ function warnBeforeLoss(event) {
 }
 
 watchFailures(window, (text) => screen.reportFailure(text));
-window.addEventListener('DOMContentLoaded', () => editors.allScriptsRead());
 new TakeOver(window, () => {
   // Also tells the desktop side, which was not there for a page without a document, that somebody is at home here.
   showNativeSide();

@@ -45,7 +45,9 @@ export class PageScripts {
     let open = this.#urls.length;
     const ended = () => {
       open -= 1;
-      if (open === 0 && !this.#owner.skyleafDocs) this.#goToServer();
+      if (open > 0) return;
+      if (this.#owner.skyleafDocs) this.#owner.skyleafDocs.scriptsRead?.(); // missing in a script of an older build
+      else this.#goToServer();
     };
     for (const src of this.#urls) this.#add('script', { src, async: false, onload: ended, onerror: ended });
   }
