@@ -284,7 +284,8 @@ void NHelioCloudDocsPage::onAddressChange(const QString& url)
     const bool isService =
         !host.isEmpty() && (host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
                             host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
-    m_load->setReloadUrl(isService ? url : QString());
+    if (!m_load->isHeldBack()) // else it is where the document before is
+        m_load->setReloadUrl(isService ? url : QString());
 }
 
 /** Where the browser went by itself is what the page shows from then on. */
