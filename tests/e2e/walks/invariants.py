@@ -15,21 +15,10 @@ OF_A_DOCUMENT = re.compile(r"(/api/v3/office/file/|/api/v3/office/prefetch/vcs/|
 def check(world, requests):
     documents_are_their_own(world)
     for place in world.places:
-        note_return(world, place)
+        world.note_return(place)
         if not place.is_hurried and not place.is_released:
             page_is_its_documents(world, place)
     requests.check()
-
-
-def note_return(world, place):
-    """A released page comes back by itself when its tab comes to the front, only then."""
-    if not place.is_released:
-        return
-    state = world.state(place)
-    if state["loaded"] and not state["released"]:
-        assert state["current"], "page %d came back, and nobody sees it" % place.page
-        world.loads[place.document] += 1
-        place.is_released = False
 
 
 def documents_are_their_own(world):

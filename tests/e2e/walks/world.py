@@ -132,6 +132,8 @@ class World:
         """Closes all pages, then the shell; returns its status."""
         for place in list(self.places):
             self.close(place)
+            for other in self.places:  # one of them came to the front
+                self.note_return(other)
         return self.shell.quit(timeout=self.limit(60))
 
     def end(self):
@@ -168,6 +170,16 @@ class World:
         self.shell.wait_for_page(place.page, "closed", since=since, timeout=self.limit(LIMIT))
         self.shell.call("dialog.answer", dialog="messageBox", value=None)
         self.places.remove(place)
+
+    def note_return(self, place):
+        """A released page comes back by itself when its tab comes to the front, only then."""
+        if not place.is_released:
+            return
+        state = self.state(place)
+        if state["loaded"] and not state["released"]:
+            assert state["current"], "page %d came back, and nobody sees it" % place.page
+            self.loads[place.document] += 1
+            place.is_released = False
 
     def limit(self, seconds):
         return seconds * self.patience
