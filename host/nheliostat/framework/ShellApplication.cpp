@@ -55,6 +55,8 @@ ShellApplication::ShellApplication(const Setup& setup, QObject* parent)
 ShellApplication::~ShellApplication()
 {
     announceQuit();
+    // Nobody is asked any more, and nobody hears of it.
+    qDeleteAll(findChildren<LeaveRequest*>(QString(), Qt::FindDirectChildrenOnly));
     m_pageMoves.reset();
     for (const QPointer<ShellMainWindow>& window : std::exchange(m_windows, {}))
         delete window;

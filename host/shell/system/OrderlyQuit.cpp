@@ -4,6 +4,7 @@
 #include "zeolite/NxLoggerLite.h"
 
 #include <QCoreApplication>
+#include <QPointer>
 
 #include <chrono>
 
@@ -26,8 +27,10 @@ void OrderlyQuit::request()
     if (!m_attended)
         return order();
     m_patience.start();
-    m_application.leaveAllPages(LeaveRequest::Manner::Ask, [this](bool all) {
-        m_patience.stop();
+    m_application.leaveAllPages(LeaveRequest::Manner::Ask, [self = QPointer<OrderlyQuit>(this)](bool all) {
+        if (!self) // the question went with its window, at the end
+            return;
+        self->m_patience.stop();
         if (all)
             QCoreApplication::quit();
     });
