@@ -21,8 +21,7 @@ bool isOpenFile(const QString& kind)
 QString fileIdOf(const QUrl& url)
 {
     const QString path = url.path();
-    const bool isDocument = path.startsWith(QLatin1String("/p/")) || path.startsWith(QLatin1String("/l/"));
-    return isDocument ? path.section(QLatin1Char('/'), -1) : QString();
+    return isDocumentPath(path) ? path.section(QLatin1Char('/'), -1) : QString();
 }
 
 /** Several headers of one name are the lines of one value, which the browser's side writes one by one. */
@@ -77,6 +76,11 @@ QVariantMap answer(const NDocsOfflinePage::NDOPResponseData& response)
         addHeaders(headers, response.headers);
     return {{QStringLiteral("headerMap"), headers},
             {QStringLiteral("resourceData"), isGood ? response.body : QByteArray()}};
+}
+
+bool isDocumentPath(const QString& path)
+{
+    return path.startsWith(QLatin1String("/p/")) || path.startsWith(QLatin1String("/l/"));
 }
 
 bool isSameDocument(const QUrl& url, const QUrl& other)

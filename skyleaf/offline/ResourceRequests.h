@@ -31,6 +31,8 @@ std::optional<ReplyRequest> parseReplyRequest(const QString& url, const QString&
 /** What a callback gets: nothing but the mark of a local answer unless the reply came with status 200. */
 QVariantMap answer(const NDocsOfflinePage::NDOPResponseData& response);
 
+/** Whether the path is that of a document's page. */
+bool isDocumentPath(const QString& path);
 /** Whether both URLs name the same document or, where one names none, the same path. */
 bool isSameDocument(const QUrl& url, const QUrl& other);
 

@@ -1,5 +1,7 @@
 #include "page/DocsUrl.h"
 
+#include "offline/ResourceRequests.h"
+
 #include <QStringList>
 #include <QUrlQuery>
 #include <QUuid>
@@ -49,8 +51,7 @@ QString findOfficeType(const QUrl& url, const NormalizeContext& context)
 
 bool isDocumentUrl(const QUrl& url)
 {
-    const QString path = url.path();
-    return url.isValid() && (path.startsWith(QLatin1String("/p/")) || path.startsWith(QLatin1String("/l/")));
+    return url.isValid() && nresourcerequests::isDocumentPath(url.path());
 }
 
 QString fileIdOf(const QUrl& url)

@@ -47,12 +47,6 @@ docsurl::Normalized normalized(const QString& url, const QString& officeType, co
     return docsurl::normalize(url, context);
 }
 
-bool isServiceHost(const QString& host)
-{
-    return host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
-           host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0;
-}
-
 } // namespace
 
 NDocumentLoad::NDocumentLoad(IDocumentLoadHost& host, LoadReason reason, QObject* page)
@@ -142,11 +136,6 @@ bool NDocumentLoad::takes(const QString& url) const
 
 void NDocumentLoad::take(const QString& url)
 {
-    normalizeUrl(url);
-}
-
-void NDocumentLoad::normalizeUrl(const QString& url)
-{
     const docsurl::Normalized result = normalized(url, m_officeType, m_traceId, m_host);
     setOfficeType(result.officeType);
     m_traceId = result.traceId;
@@ -225,7 +214,7 @@ void NDocumentLoad::comeBack(const NDocumentLoad& earlier, qint64 loadStartMs)
                                         QStringLiteral("entryType"), QStringLiteral("interruptUseTime"),
                                         QStringLiteral("prepareUrlTime")});
     }
-    normalizeUrl(url.isValid() ? url.toString(QUrl::FullyEncoded) : earlier.m_url);
+    take(url.isValid() ? url.toString(QUrl::FullyEncoded) : earlier.m_url);
 }
 
 // Showing it.
@@ -287,7 +276,7 @@ void NDocumentLoad::giveToBrowser(const QUrl& url)
 bool NDocumentLoad::isLeftFor(const QString& address)
 {
     const QUrl present(address);
-    if (!isShown() || m_url.isEmpty() || !isServiceHost(present.host()))
+    if (!isShown() || m_url.isEmpty() || !ndomains::isServiceHost(present.host()))
         return false;
     const QUrl told(m_url);
     const bool isHere = docsurl::isDocumentUrl(told) || docsurl::isDocumentUrl(present)
@@ -296,6 +285,12 @@ bool NDocumentLoad::isLeftFor(const QString& address)
     if (isHere)
         m_hasArrived = true;
     return !isHere && m_hasArrived;
+}
+
+void NDocumentLoad::noteAddress(const QString& url)
+{
+    if (!isHeldBack()) // else it is where the document before is
+        m_reloadUrl = ndomains::isServiceHost(QUrl(url).host()) ? url : QString();
 }
 
 void NDocumentLoad::onViewMade()

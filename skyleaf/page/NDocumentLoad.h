@@ -47,7 +47,6 @@ enum class LoadReason {
     LoginChange,
     Return, //!< after the page was released
     Recovery,
-    Home,
 };
 
 /**
@@ -85,6 +84,8 @@ public:
     /** What is loaded again when it has to be: where the browser is on the service's sites; may be empty. */
     const QString& reloadUrl() const { return m_reloadUrl; }
     void setReloadUrl(const QString& url) { m_reloadUrl = url; }
+    /** Where the browser is now. */
+    void noteAddress(const QString& url);
 
     // What it is for. Each may begin requests.
     /** Whether a URL that the page is told is this load's: the same as before, or its document not shown yet.
@@ -146,7 +147,6 @@ private:
     void goOnWhere(const NDocumentLoad& earlier);
     NxWebViewContainer* container() const;
     void setOfficeType(const QString& officeType);
-    void normalizeUrl(const QString& url);
 
     // Showing.
     void initDocsLocalResource();

@@ -63,7 +63,7 @@ void NDocumentLoad::loadNormalized()
 {
     if (!m_host.loadBrowser())
         return;
-    normalizeUrl(m_url);
+    take(m_url);
     initDocsLocalResource();
     showUrl();
 }

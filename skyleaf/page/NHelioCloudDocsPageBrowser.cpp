@@ -278,14 +278,8 @@ void NHelioCloudDocsPage::onAddressChange(const QString& url)
 {
     if (!m_browser || !m_jsObj)
         return;
-    if (followBrowser(url))
-        return;
-    const QString host = QUrl(url).host();
-    const bool isService =
-        !host.isEmpty() && (host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
-                            host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
-    if (!m_load->isHeldBack()) // else it is where the document before is
-        m_load->setReloadUrl(isService ? url : QString());
+    if (!followBrowser(url))
+        m_load->noteAddress(url);
 }
 
 /** Where the browser went by itself is what the page shows from then on. */

@@ -3,6 +3,7 @@
 #include "base/NDocsLog.h"
 #include "base/NDomains.h"
 #include "offline/NDOPResourceManager.h"
+#include "offline/NRunData.h"
 
 // What the decision installs in the browser, and how it is taken out again.
 
@@ -63,16 +64,14 @@ void NCloudDocsPageProxyManager::removeRequestProxy(const QString& replyName)
 
 void NCloudDocsPageProxyManager::addRequestProxies()
 {
-    addRequestProxy(QStringLiteral("open_file"));
-    addRequestProxy(QStringLiteral("get_env_config"));
-    addRequestProxy(QStringLiteral("get_ssr_content"));
+    for (const QString& replyName : NDocsOfflinePage::prefetchedReplies())
+        addRequestProxy(replyName);
 }
 
 void NCloudDocsPageProxyManager::removeRequestProxies()
 {
-    removeRequestProxy(QStringLiteral("open_file"));
-    removeRequestProxy(QStringLiteral("get_env_config"));
-    removeRequestProxy(QStringLiteral("get_ssr_content"));
+    for (const QString& replyName : NDocsOfflinePage::prefetchedReplies())
+        removeRequestProxy(replyName);
 }
 
 void NCloudDocsPageProxyManager::removeProxies()

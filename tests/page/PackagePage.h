@@ -29,16 +29,6 @@ protected:
         server.answer("/api/v3/office/file", {200, R"({"window.__VLTENV__": {"file_version": "1"}})", {}});
     }
 
-    QString makePackage(const char* version)
-    {
-        const QString path = directory.filePath(QStringLiteral("word-") + QLatin1String(version));
-        QDir().mkpath(path);
-        QFile file(path + QStringLiteral("/version"));
-        file.open(QIODevice::WriteOnly);
-        file.write(version);
-        return path;
-    }
-
     void install(const char* version)
     {
         NCloudDocsRecordManager::instance()->updatePluginPathRecord(

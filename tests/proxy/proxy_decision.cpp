@@ -29,16 +29,6 @@ protected:
         setItem(R"({"DOPMasterSwitch": true, "wordDOPSwitch": true})", 53613);
     }
 
-    QString makePackage(const char* version)
-    {
-        const QString path = directory.filePath(QStringLiteral("word-") + QLatin1String(version));
-        QDir().mkpath(path);
-        QFile file(path + QStringLiteral("/version"));
-        file.open(QIODevice::WriteOnly);
-        file.write(version);
-        return path;
-    }
-
     /** An item of the configuration centre from the start on. */
     void setItem(const char* json, int item) { m_items.insert(item, QJsonDocument::fromJson(json).object()); }
 

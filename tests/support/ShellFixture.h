@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -48,6 +50,17 @@ protected:
         shell.reset();
         host.reset();
         nheliostat::host::setBrowserFactory({});
+    }
+
+    /** A package of text documents that says it is of that version. Returns its directory. */
+    QString makePackage(const char* version)
+    {
+        const QString path = directory.filePath(QStringLiteral("word-") + QLatin1String(version));
+        QDir().mkpath(path);
+        QFile file(path + QStringLiteral("/version"));
+        file.open(QIODevice::WriteOnly);
+        file.write(version);
+        return path;
     }
 
     static void turn()

@@ -1,4 +1,5 @@
 #include "PackageService.h"
+#include "SocketQueues.h"
 #include "vltcloudsvr/client/CloudServiceClient.h"
 #include "vltcloudsvr/common/ServicePlace.h"
 
@@ -13,9 +14,7 @@
 #include "tava/TavaIpc_types.h"
 
 #include <csignal>
-#include <linux/sockios.h>
 #include <memory>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -73,17 +72,6 @@ protected:
         while (!condition() && !time.hasExpired(patienceMs))
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 10);
         EXPECT_TRUE(condition());
-    }
-
-    /** Whether a socket of this process holds a lot that nobody reads. */
-    static bool isSendingMuch()
-    {
-        for (const QString& name : QDir(s("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System)) {
-            int unread = 0;
-            if (::ioctl(name.toInt(), SIOCOUTQ, &unread) == 0 && unread > 50'000)
-                return true;
-        }
-        return false;
     }
 
     /** Starts a call; the answer arrives in the result. */

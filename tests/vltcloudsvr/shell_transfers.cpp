@@ -1,4 +1,5 @@
 #include "DriveProcess.h"
+#include "SocketQueues.h"
 #include "nheliostat/framework/ShellCloudSvrProxy.h"
 #include "vltcloudsvr/common/ServicePlace.h"
 
@@ -8,8 +9,6 @@
 #include <QTest>
 
 #include <csignal>
-#include <linux/sockios.h>
-#include <sys/ioctl.h>
 
 namespace {
 
@@ -87,17 +86,6 @@ protected:
         send(signal);
         EXPECT_TRUE(QTest::qWaitFor([&] { return !isServed(vlt::cloudsvr::placeOf(dataDir)); }, patienceMs));
     }
-    /** Whether a socket of this process holds a lot that nobody reads. */
-    static bool isSendingMuch()
-    {
-        for (const QString& name : QDir(s("/proc/self/fd")).entryList(QDir::AllEntries | QDir::System)) {
-            int unread = 0;
-            if (::ioctl(name.toInt(), SIOCOUTQ, &unread) == 0 && unread > 50'000)
-                return true;
-        }
-        return false;
-    }
-
     void answer(const QString& requestId)
     {
         const int before = receiver.count;

@@ -24,6 +24,13 @@ QString host(const QString& key)
     return QUrl(url(key)).host();
 }
 
+bool isServiceHost(const QString& host)
+{
+    return !host.isEmpty() &&
+           (host.compare(ndomains::host(QStringLiteral("drive")), Qt::CaseInsensitive) == 0 ||
+            host.compare(ndomains::host(QStringLiteral("quill")), Qt::CaseInsensitive) == 0);
+}
+
 QString mainDomain()
 {
     NCoreApplication* core = NCoreApplication::instance();

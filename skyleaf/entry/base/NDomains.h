@@ -12,6 +12,8 @@ QString url(const QString& key);
 QString origin(const QString& key);
 /** The host of that URL. */
 QString host(const QString& key);
+/** Whether the host is one of the sites that the service's pages are on: the drive's or the documents'. */
+bool isServiceHost(const QString& host);
 /** The main domain whose requests get the session's cookies; empty without shared services. */
 QString mainDomain();
 
